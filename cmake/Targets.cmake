@@ -1,0 +1,26 @@
+# One line per folder.
+include(GoogleTest)
+
+# ostrel_library(NAME SOURCES ... [WINDOWS ...] [POSIX ...] [LINKS ...]): a static library of one folder. WINDOWS and
+# POSIX name the files that exist once per platform.
+function(ostrel_library name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;WINDOWS;POSIX;LINKS" ${ARGN})
+  if(WIN32)
+    list(APPEND ARG_SOURCES ${ARG_WINDOWS})
+  else()
+    list(APPEND ARG_SOURCES ${ARG_POSIX})
+  endif()
+  add_library(${name} STATIC ${ARG_SOURCES})
+  target_link_libraries(${name} PUBLIC ostrel_compile ${ARG_LINKS})
+endfunction()
+
+# ostrel_test(NAME SOURCES ... [LINKS ...]): a GoogleTest program; each of its tests is one CTest test.
+function(ostrel_test name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE ostrel_compile ${ARG_LINKS} GTest::gmock GTest::gtest_main)
+  target_compile_definitions(${name} PRIVATE OSTREL_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data"
+    OSTREL_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/tests)
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 120)
+endfunction()
