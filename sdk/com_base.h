@@ -53,19 +53,11 @@ inline constexpr HRESULT E_INVALIDARG = static_cast<HRESULT>(0x80070057);
 inline constexpr HRESULT CLASS_E_NOAGGREGATION = static_cast<HRESULT>(0x80040110);
 inline constexpr HRESULT CLASS_E_CLASSNOTAVAILABLE = static_cast<HRESULT>(0x80040111);
 
-constexpr bool SUCCEEDED(HRESULT result) {
-  return result >= 0;
-}
-constexpr bool FAILED(HRESULT result) {
-  return result < 0;
-}
+constexpr bool SUCCEEDED(HRESULT result) { return result >= 0; }
+constexpr bool FAILED(HRESULT result) { return result < 0; }
 
-inline void* CoTaskMemAlloc(std::size_t size) {
-  return std::malloc(size);
-}
-inline void CoTaskMemFree(void* memory) {
-  std::free(memory);
-}
+inline void* CoTaskMemAlloc(std::size_t size) { return std::malloc(size); }
+inline void CoTaskMemFree(void* memory) { std::free(memory); }
 
 struct IUnknown {
   virtual HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) = 0;
