@@ -1,0 +1,26 @@
+#include "resources/string_table.h"
+
+#include "resources/resource_ids.h"
+
+namespace NResources {
+namespace {
+
+#define STRING(id, text) {id, L"" text},
+constexpr StringEntry kStrings[] = {
+#include "resources/strings.inc"
+};
+#undef STRING
+
+consteval bool IsAscending() {
+  for (std::size_t position = 1; position < std::size(kStrings); ++position) {
+    if (kStrings[position - 1].id >= kStrings[position].id) return false;
+  }
+  return true;
+}
+static_assert(IsAscending(), "strings.inc is kept in the order of the numbers: it is searched by halving");
+
+}  // namespace
+
+std::span<const StringEntry> StringTable() { return kStrings; }
+
+}  // namespace NResources
