@@ -6,6 +6,8 @@
 namespace NResources {
 
 std::wstring FindLanguageText(void* library, std::uint32_t id) {
+  // LoadStringW looks at the low 16 bits alone.
+  if (id > 0xFFFF) return {};
   // With a buffer of size 0 the answer is a pointer to the text in the resource itself, which has no end
   // mark.
   const wchar_t* text = nullptr;
