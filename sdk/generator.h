@@ -47,7 +47,9 @@ struct IGenerator : IUnknown {
   /// they are and E_FAIL is returned; `reason`, when not null, then receives a text that says what is wrong
   /// and where. E_FAIL also while the block sends.
   virtual HRESULT STDMETHODCALLTYPE LoadSequence(const wchar_t* path, wchar_t** reason) = 0;
-  /// Writes both lists to a sequence file and remembers its path. Failure as for LoadSequence.
+  /// Writes both lists to a sequence file and remembers its path. E_FAIL: there is no file; S_FALSE: written,
+  /// but with characters replaced that the file cannot hold. `reason`, when not null, then receives a text
+  /// that says so.
   virtual HRESULT STDMETHODCALLTYPE SaveSequence(const wchar_t* path, wchar_t** reason) = 0;
   /// The "Execute" button: starts the sequence, or stops it when it runs. E_FAIL: no measurement runs.
   virtual HRESULT STDMETHODCALLTYPE ToggleSequence() = 0;
