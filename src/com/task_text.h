@@ -39,6 +39,7 @@ class TaskText {
     CoTaskMemFree(std::exchange(mText, nullptr));
     return &mText;
   }
+  wchar_t* Detach() { return std::exchange(mText, nullptr); }
   std::wstring Text() const { return mText ? std::wstring(mText) : std::wstring(); }
 
  private:

@@ -1,0 +1,25 @@
+#pragma once
+// The host application that the module is bound to, in one process-wide slot.
+
+#include "com/com_ptr.h"
+#include "sdk/host_application.h"
+
+namespace NCommon {
+
+/// Replaces the application; the previous one is released. Null clears the slot.
+void SetHostApplication(NSdk::IHostApplication* application);
+
+/// Empty while no host has initialised the plug-in object.
+NCom::ComPtr<NSdk::IHostApplication> HostApplication();
+
+/// A service of the host by its interface; empty when there is no host or it has no such service.
+template <class Service>
+NCom::ComPtr<Service> HostService() {
+  NCom::ComPtr<Service> service;
+  if (const auto application = HostApplication()) {
+    application->GetService(NSdk::IidOf<Service>(), service.ReceiveVoid());
+  }
+  return service;
+}
+
+}  // namespace NCommon

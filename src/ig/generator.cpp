@@ -1,0 +1,260 @@
+#include "ig/generator.h"
+
+#include "canopen/flow_items.h"
+#include "common/user_messages.h"
+#include "ig/item_sender.h"
+#include "ig/shared_state.h"
+#include "resources/resource_ids.h"
+#include "resources/text.h"
+
+namespace NIg {
+namespace {
+
+void ShowMessage(int text, NSdk::MessageIcon icon = NSdk::kMessageExclamation) {
+  NCommon::ShowUserMessage(NResources::LoadText(text), icon);
+}
+
+}  // namespace
+
+Generator::Generator(NSdk::ITimerSink& sink, TransmissionObserver& observer)
+    : mSink(sink), mObserver(observer) {}
+
+Generator::~Generator() {
+  StopMeasurement();
+  Generator* self = this;
+  Shared().activeBlock.compare_exchange_strong(self, nullptr);
+}
+
+void Generator::SetWindow(GeneratorWindow* window) { mWindow = window ? window : &mNoWindow; }
+
+std::uint32_t Generator::Activity() const {
+  return (mSequenceRunning ? NSdk::kSequenceRunning : 0u) | (mCyclicRunning ? NSdk::kCyclicRunning : 0u) |
+         (mCyclicRequested ? NSdk::kCyclicRequested : 0u);
+}
+
+// ---- measurement
+
+HRESULT Generator::StartMeasurement(NSdk::IRuntime& runtime) {
+  ReleaseTimers();
+  const HRESULT output = runtime.GetCanOutput(mNumbers.channel, mOutput.Receive());
+  if (FAILED(output)) return output;
+  for (auto* timer : {&mSequenceTimer, &mPauseTimer}) {
+    const HRESULT result = runtime.CreateTimer(&mSink, timer->Receive());
+    if (FAILED(result)) return result;
+  }
+  mRuntime = &runtime;
+  mExecuteLabel = mWindow->Text(kControlExecute);
+  mSequenceTimer->Start(mNumbers.serviceDelay, /*periodic=*/1);
+  mWindow->EnableControl(kControlExecute, true);
+  mWindow->EnableControl(kControlStart, true);
+  return S_OK;
+}
+
+void Generator::StopMeasurement() {
+  if (!mRuntime) return;
+  mCyclicRequested = false;
+  EndCyclic();
+  // A sequence that was under way ends here: left as running, it would keep every other block from sending.
+  if (mSequenceRunning) SetSequenceRunning(false);
+  ReleaseTimers();
+  mOutput.Reset();
+  mRuntime.Reset();
+  mWindow->EnableControl(kControlStart, false);
+  mWindow->EnableControl(kControlExecute, false);
+  mWindow->EnableControl(kControlSequenceList, true);
+  mWindow->EnableControl(kControlCyclicList, true);
+  mWindow->EnableControl(kControlStart, false);
+  mWindow->SetText(kControlStart, NResources::LoadText(IDS_IG_START_CYCLIC));
+  mWindow->SetText(kControlExecute, mExecuteLabel);
+}
+
+void Generator::ReleaseTimers() {
+  for (auto* timer : {&mSequenceTimer, &mPauseTimer}) {
+    if (*timer) (*timer)->Stop();
+    timer->Reset();
+  }
+}
+
+// ---- sequence
+
+bool Generator::OtherBlockRunsSequence() const { return Shared().sequenceRunning && !mSequenceRunning; }
+
+bool Generator::OtherBlockRunsCyclic() const { return Shared().cyclicRunning && !mCyclicRunning; }
+
+void Generator::SetSequenceRunning(bool running) {
+  mSequenceRunning = running;
+  Shared().sequenceRunning = running;
+}
+
+void Generator::ToggleSequence() {
+  if (!IsMeasuring()) return;
+  if (mSequenceRunning) return StopSequenceByUser();
+  if (OtherBlockRunsSequence() || OtherBlockRunsCyclic()) return ShowMessage(IDS_IG_ONLY_ONE_BLOCK);
+  StartSequence();
+}
+
+void Generator::StopSequenceByUser() {
+  mSequenceIndex = mSequenceSnapshot.size() + 1;
+  if (mCyclicRunning && mCyclicBySequence) EndCyclic();
+}
+
+void Generator::StartSequence() {
+  Shared().activeBlock = this;
+  mSequenceSnapshot = EnabledItems(mSequence);
+  mCyclicSnapshot = EnabledItems(mCyclic);
+  mCyclicBySequence = !mCyclicSnapshot.empty() && StartsCyclicTransmission(mSequenceSnapshot);
+  if (mCyclicBySequence) {
+    mWindow->EnableControl(kControlCyclicList, false);
+    mWindow->EnableControl(kControlStart, false);
+    mWindow->SetText(kControlStart, NResources::LoadText(IDS_IG_STOP));
+  }
+  // The list counts here, not the snapshot: one whose items are all disabled starts, and ends with the first
+  // tick.
+  if (mSequence.empty()) return;
+  mWindow->SetText(kControlExecute, NResources::LoadText(IDS_IG_STOP));
+  SetSequenceRunning(true);
+  mWindow->EnableControl(kControlSequenceList, false);
+  mSequenceTimer->Stop();
+  mSequenceTimer->Start(mNumbers.serviceDelay, /*periodic=*/1);
+  mPauseOver = true;
+  mSequenceIndex = 0;
+}
+
+// One item leaves per tick; the tick after the last one ends the sequence, so that a pause at its end is held
+// too.
+void Generator::SequenceTick() {
+  if (!mPauseOver || !mSequenceRunning) return;
+  if (mSequenceIndex < mSequenceSnapshot.size()) {
+    const SnapshotEntry entry = mSequenceSnapshot[mSequenceIndex];
+    if (entry.item->IsEnabled()) {
+      const bool sent = SendItem(*entry.item);
+      if (!sent) return SequenceItemFailed(entry.listPosition);
+      mObserver.ItemSent(NSdk::kSequenceList, entry.listPosition);
+      if (!mSequenceRunning) return;  // who heard of it has stopped the measurement
+    }
+  }
+  ++mSequenceIndex;
+  if (mSequenceIndex > mSequenceSnapshot.size()) FinishSequence();
+}
+
+void Generator::FinishSequence() {
+  mWindow->EnableControl(kControlSequenceList, true);
+  mWindow->EnableControl(kControlExecute, true);
+  mWindow->EnableControl(kControlStart, true);
+  mWindow->SetText(kControlExecute, mExecuteLabel);
+  mSequenceTimer->Stop();
+  SetSequenceRunning(false);
+  if (EndsWithCyclicStop(mSequenceSnapshot) || !mCyclicRunning) ShowCyclicIdle();
+}
+
+// The message box lets other callbacks in, so the sequence is over before it opens.
+void Generator::SequenceItemFailed(std::size_t listPosition) {
+  mSequenceIndex = mSequenceSnapshot.size() + 1;
+  SetSequenceRunning(false);
+  mObserver.ItemFailed(NSdk::kSequenceList, listPosition);
+  ShowMessage(IDS_IG_SEQUENCE_FAILED);
+  if (!mRuntime || mSequenceRunning) return;  // stopped, or started anew, while the message was shown
+  mWindow->EnableControl(kControlSequenceList, true);
+  mWindow->EnableControl(kControlExecute, true);
+  mWindow->SelectItem(kControlSequenceList, listPosition);
+  mWindow->StopTimer(mSequenceTimer);
+  FinishSequence();
+}
+
+// ---- cyclic transmission
+
+void Generator::ToggleCyclic() {
+  if (!IsMeasuring()) return;
+  if (mCyclicRunning) return EndCyclic();
+  if (OtherBlockRunsSequence()) return ShowMessage(IDS_IG_ONLY_ONE_BLOCK);
+  if (OtherBlockRunsCyclic()) return;
+  Shared().activeBlock = this;
+  if (SharesSdoChannel(mCyclic)) return ShowMessage(IDS_IG_CYCLIC_SDO_CHANNEL, NSdk::kMessagePlain);
+  mCyclicSnapshot = EnabledItems(mCyclic);
+  mWindow->EnableControl(kControlCyclicList, false);
+  mWindow->SetText(kControlStart, NResources::LoadText(IDS_IG_STOP));
+  mCyclicRequested = true;
+}
+
+void Generator::BeginCyclic() {
+  mCyclicTimers.Start(*mRuntime, mSink, mCyclicSnapshot);
+  mCyclicRunning = true;
+  Shared().cyclicRunning = true;
+}
+
+void Generator::EndCyclic() {
+  if (!mCyclicRunning) return;
+  mCyclicTimers.Stop();
+  mCyclicRunning = false;
+  Shared().cyclicRunning = false;
+  ShowCyclicIdle();
+}
+
+void Generator::ShowCyclicIdle() {
+  if (mCyclicRequested) return;
+  mWindow->EnableControl(kControlCyclicList, true);
+  mWindow->SetText(kControlStart, NResources::LoadText(IDS_IG_START_CYCLIC));
+}
+
+void Generator::CyclicExpiry(NSdk::ITimer* timer) {
+  ZTimerInfo* message = mCyclicTimers.Find(timer);
+  if (!message) return;
+  if (message->item->IsEnabled()) {
+    const std::size_t listPosition = mCyclicSnapshot[message->position].listPosition;
+    if (!SendItem(*message->item)) return CyclicItemFailed(listPosition);
+    mObserver.ItemSent(NSdk::kCyclicList, listPosition);
+    message = mCyclicTimers.Find(timer);
+  }
+  if (message) CyclicTransmission::Expired(*message);
+}
+
+void Generator::CyclicItemFailed(std::size_t listPosition) {
+  EndCyclic();
+  mObserver.ItemFailed(NSdk::kCyclicList, listPosition);
+  ShowMessage(IDS_IG_CYCLIC_FAILED);
+  mWindow->SelectItem(kControlCyclicList, listPosition);
+}
+
+// ---- timers and sending
+
+void Generator::OnTimer(NSdk::ITimer* timer) {
+  if (!mRuntime) return;
+  // Whichever timer it is: a request for cyclic transmission is carried out first.
+  if (mCyclicRequested) {
+    mCyclicRequested = false;
+    BeginCyclic();
+  }
+  if (timer == mSequenceTimer.Get()) {
+    SequenceTick();
+  } else if (timer == mPauseTimer.Get()) {
+    mPauseTimer->Stop();
+    mPauseOver = true;
+  } else {
+    CyclicExpiry(timer);
+  }
+}
+
+bool Generator::SendItem(NCanopen::ZMsgItemInfo& item) {
+  if (const auto* pause = dynamic_cast<const NCanopen::ZPauseItemInfo*>(&item)) {
+    StartPause(pause->record.length_ms);
+    return true;
+  }
+  if (const auto* state = dynamic_cast<const NCanopen::ZCycSendStateItemInfo*>(&item)) {
+    SwitchCyclic(state->record.start != 0);
+    return true;
+  }
+  return SendFrameItem(item, *mOutput, mDataFolder);
+}
+
+void Generator::StartPause(std::uint32_t length_ms) {
+  mPauseOver = false;
+  mPauseTimer->Stop();
+  mPauseTimer->Start(length_ms, /*periodic=*/0);
+}
+
+void Generator::SwitchCyclic(bool start) {
+  if (start && !mCyclicRunning) BeginCyclic();
+  if (!start && mCyclicRunning) EndCyclic();
+}
+
+}  // namespace NIg

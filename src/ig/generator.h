@@ -1,0 +1,117 @@
+#pragma once
+// The interactive generator without its COM face: lists of message items that are sent once as a sequence or
+// periodically.
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+
+#include "com/com_ptr.h"
+#include "ig/cyclic_transmission.h"
+#include "ig/generator_window.h"
+
+#include "ig/settings.h"
+#include "ig/snapshot.h"
+#include "sdk/generator.h"
+#include "sdk/runtime.h"
+
+namespace NIg {
+
+/// Hears of single items as they are sent.
+class TransmissionObserver {
+ public:
+  virtual ~TransmissionObserver() = default;
+  virtual void ItemSent(NSdk::GeneratorList list, std::size_t listPosition) = 0;
+  virtual void ItemFailed(NSdk::GeneratorList list, std::size_t listPosition) = 0;
+};
+
+/// One generator block. All calls arrive on the host's thread: user commands from the window or the host,
+/// expiries from the host's timers, which are bound to `sink` and come back through OnTimer.
+///
+///   sequence:  idle -> running -> finished, stopped or failed -> idle; one item per tick of the sequence
+///   timer cyclic:    idle -> requested -> running (with the next expiry of any timer) -> idle
+class Generator {
+ public:
+  Generator(NSdk::ITimerSink& sink, TransmissionObserver& observer);
+  ~Generator();
+  Generator(const Generator&) = delete;
+  Generator& operator=(const Generator&) = delete;
+
+  /// Makes the block's timers. The sequence timer ticks from now on, until a first sequence ends; that is
+  /// what carries out a request for cyclic transmission.
+  HRESULT StartMeasurement(NSdk::IRuntime& runtime);
+  void StopMeasurement();
+  bool IsMeasuring() const { return static_cast<bool>(mRuntime); }
+
+  void OnTimer(NSdk::ITimer* timer);
+
+  /// The button "Execute": starts the sequence, or lets the next tick end it.
+  void ToggleSequence();
+  /// The button "Start": asks for cyclic transmission, or stops it.
+  void ToggleCyclic();
+
+  /// GeneratorActivity bits.
+  std::uint32_t Activity() const;
+
+  /// Window that follows the block; null: none.
+  void SetWindow(GeneratorWindow* window);
+
+  NCanopen::ItemList& List(NSdk::GeneratorList list) {
+    return list == NSdk::kSequenceList ? mSequence : mCyclic;
+  }
+  GeneratorNumbers& Numbers() { return mNumbers; }
+  /// Folder that relative "file:" data is resolved against.
+  void SetDataFolder(std::filesystem::path folder) { mDataFolder = std::move(folder); }
+
+ private:
+  // Starting and ending
+  bool OtherBlockRunsSequence() const;
+  bool OtherBlockRunsCyclic() const;
+  void StartSequence();
+  void StopSequenceByUser();
+  void FinishSequence();
+  void SetSequenceRunning(bool running);
+  void BeginCyclic();
+  void EndCyclic();
+  void ShowCyclicIdle();
+
+  // Timers
+  void SequenceTick();
+  void CyclicExpiry(NSdk::ITimer* timer);
+  void SequenceItemFailed(std::size_t listPosition);
+  void CyclicItemFailed(std::size_t listPosition);
+  void ReleaseTimers();
+
+  // Sending
+  bool SendItem(NCanopen::ZMsgItemInfo& item);
+  void StartPause(std::uint32_t length_ms);
+  void SwitchCyclic(bool start);
+
+  NSdk::ITimerSink& mSink;
+  TransmissionObserver& mObserver;
+  NoWindow mNoWindow;
+  GeneratorWindow* mWindow = &mNoWindow;
+
+  GeneratorNumbers mNumbers;
+  std::filesystem::path mDataFolder;
+  NCanopen::ItemList mSequence;
+  NCanopen::ItemList mCyclic;
+
+  NCom::ComPtr<NSdk::IRuntime> mRuntime;
+  NCom::ComPtr<NSdk::ICANOutput> mOutput;
+  NCom::ComPtr<NSdk::ITimer> mSequenceTimer;
+  NCom::ComPtr<NSdk::ITimer> mPauseTimer;
+  CyclicTransmission mCyclicTimers;
+
+  Snapshot mSequenceSnapshot;
+  Snapshot mCyclicSnapshot;
+  std::size_t mSequenceIndex = 0;
+  std::wstring mExecuteLabel;  // of the sequence button while it reads "Stop"
+  bool mSequenceRunning = false;
+  bool mCyclicRunning = false;
+  bool mCyclicRequested = false;
+  bool mCyclicBySequence = false;
+  bool mPauseOver = true;
+};
+
+}  // namespace NIg

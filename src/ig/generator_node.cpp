@@ -1,0 +1,253 @@
+#include "ig/generator_node.h"
+
+#include <fmt/printf.h>
+#include <fmt/xchar.h>
+
+#include "com/entry.h"
+#include "com/task_text.h"
+#include "common/host_application.h"
+#include "common/text.h"
+#include "ig/sequence_file.h"
+#include "resources/resource_ids.h"
+#include "resources/text.h"
+#include "sdk/class_ids.h"
+
+namespace NIg {
+
+ZCANopenIGNode::ZCANopenIGNode() : mGenerator(*this, *this) {
+  mSettings.name = NResources::LoadText(IDS_IG_BLOCK_NAME);
+}
+
+template <class Body>
+HRESULT ZCANopenIGNode::ActivityEntry(Body&& body) {
+  return NCom::Entry([&]() -> HRESULT {
+    const std::uint32_t before = mGenerator.Activity();
+    const HRESULT result = body();
+    // Copied: the host may replace its events while it hears of this one.
+    const auto events = mEvents;
+    const std::uint32_t after = mGenerator.Activity();
+    if (events && after != before) events->OnActivityChanged(after);
+    return result;
+  });
+}
+
+// ---- the block in the host
+
+HRESULT ZCANopenIGNode::Attach(NSdk::IBlockSite* site) {
+  return NCom::Entry([&]() -> HRESULT {
+    if (!site) return E_POINTER;
+    mSite = site;
+    return S_OK;
+  });
+}
+
+HRESULT ZCANopenIGNode::Detach() {
+  return NCom::Entry([&] {
+    mGenerator.StopMeasurement();
+    mEvents.Reset();
+    mSite.Reset();
+  });
+}
+
+HRESULT ZCANopenIGNode::GetName(wchar_t** name) {
+  return NCom::Entry([&] { return NCom::HandOut(mSettings.name, name); });
+}
+
+HRESULT ZCANopenIGNode::SetName(const wchar_t* name) {
+  return NCom::Entry([&]() -> HRESULT {
+    if (!name) return E_POINTER;
+    mSettings.name = name;
+    return S_OK;
+  });
+}
+
+HRESULT ZCANopenIGNode::GetCaption(wchar_t** caption) {
+  return NCom::Entry([&] {
+    const std::wstring file =
+        mSequencePath.empty() ? NResources::LoadText(IDS_IG_UNTITLED) : mSequencePath.wstring();
+    return NCom::HandOut(fmt::sprintf(NResources::LoadText(IDS_IG_CAPTION), mSettings.numbers.channel, file),
+                         caption);
+  });
+}
+
+HRESULT ZCANopenIGNode::GetEvents(std::uint32_t* events) {
+  NCom::ModuleScope scope;
+  if (!events) return E_POINTER;
+  *events = 0;
+  return S_OK;
+}
+
+HRESULT ZCANopenIGNode::Passes(std::uint32_t) {
+  NCom::ModuleScope scope;
+  return S_OK;
+}
+
+// ---- measurement
+
+HRESULT ZCANopenIGNode::StartMeasurement(NSdk::IRuntime* runtime) {
+  return ActivityEntry([&]() -> HRESULT {
+    if (!runtime) return E_POINTER;
+    mGenerator.Numbers() = mSettings.numbers;
+    UpdateDataFolder();
+    return mGenerator.StartMeasurement(*runtime);
+  });
+}
+
+HRESULT ZCANopenIGNode::StopMeasurement() {
+  return ActivityEntry([&]() -> HRESULT {
+    mGenerator.StopMeasurement();
+    return S_OK;
+  });
+}
+
+HRESULT ZCANopenIGNode::OnTimer(NSdk::ITimer* timer) {
+  return ActivityEntry([&]() -> HRESULT {
+    if (mSite) mGenerator.OnTimer(timer);
+    return S_OK;
+  });
+}
+
+// Relative "file:" data belongs to the configuration; without one, to the sequence file that names it.
+void ZCANopenIGNode::UpdateDataFolder() {
+  std::filesystem::path file = mSequencePath;
+  NCom::TaskText path;
+  const auto configuration = NCommon::HostService<NSdk::IConfigurationService>();
+  if (configuration && configuration->GetPath(path.Receive()) == S_OK) file = path.Text();
+  mGenerator.SetDataFolder(file.parent_path());
+}
+
+// ---- settings
+
+HRESULT ZCANopenIGNode::GetProgId(wchar_t** progId) {
+  return NCom::Entry([&] { return NCom::HandOut(NCommon::ToWide(NSdk::kProgIdCANopenIG), progId); });
+}
+
+HRESULT ZCANopenIGNode::Load(NSdk::IPersistReader* reader) {
+  return NCom::Entry([&] {
+    NCom::Require(reader, "reader");
+    LoadSettings(*reader, mSettings);
+  });
+}
+
+HRESULT ZCANopenIGNode::Save(NSdk::IPersistWriter* writer) {
+  return NCom::Entry([&] {
+    NCom::Require(writer, "writer");
+    return SaveSettings(*writer, mSettings);
+  });
+}
+
+// ---- the block driven by its host
+
+HRESULT ZCANopenIGNode::LoadSequence(const wchar_t* path, wchar_t** reason) {
+  return NCom::Entry([&]() -> HRESULT {
+    if (!path) return E_POINTER;
+    if (mGenerator.Activity() != 0) return E_FAIL;
+    NCanopen::ItemList sequence;
+    NCanopen::ItemList cyclic;
+    std::string fault;
+    if (!LoadSequenceFile(path, sequence, cyclic, &mHexDisplay, &fault)) {
+      if (reason) NCom::HandOut(NCommon::ToWide(fault), reason);
+      return E_FAIL;
+    }
+    mGenerator.List(NSdk::kSequenceList) = std::move(sequence);
+    mGenerator.List(NSdk::kCyclicList) = std::move(cyclic);
+    RememberSequence(path);
+    return S_OK;
+  });
+}
+
+HRESULT ZCANopenIGNode::SaveSequence(const wchar_t* path, wchar_t** reason) {
+  return NCom::Entry([&]() -> HRESULT {
+    if (!path) return E_POINTER;
+    std::string fault;
+    SaveSequenceFile(path, mGenerator.List(NSdk::kSequenceList), mGenerator.List(NSdk::kCyclicList), &fault);
+    if (!fault.empty() && reason) NCom::HandOut(NCommon::ToWide(fault), reason);
+    std::error_code ignored;
+    if (!std::filesystem::exists(path, ignored)) return E_FAIL;
+    RememberSequence(path);
+    return fault.empty() ? S_OK : S_FALSE;
+  });
+}
+
+void ZCANopenIGNode::RememberSequence(const std::filesystem::path& path) {
+  mSequencePath = path;
+  UpdateDataFolder();
+  if (mSite) mSite->BlockChanged();
+}
+
+HRESULT ZCANopenIGNode::ToggleSequence() {
+  return ActivityEntry([&]() -> HRESULT {
+    if (!mGenerator.IsMeasuring()) return E_FAIL;
+    mGenerator.ToggleSequence();
+    return S_OK;
+  });
+}
+
+HRESULT ZCANopenIGNode::ToggleCyclic() {
+  return ActivityEntry([&]() -> HRESULT {
+    if (!mGenerator.IsMeasuring()) return E_FAIL;
+    mGenerator.ToggleCyclic();
+    return S_OK;
+  });
+}
+
+HRESULT ZCANopenIGNode::GetActivity(std::uint32_t* activity) {
+  NCom::ModuleScope scope;
+  if (!activity) return E_POINTER;
+  *activity = mGenerator.Activity();
+  return S_OK;
+}
+
+HRESULT ZCANopenIGNode::GetItemCount(std::uint32_t list, std::uint32_t* count) {
+  NCom::ModuleScope scope;
+  if (!count) return E_POINTER;
+  if (list > NSdk::kCyclicList) return E_INVALIDARG;
+  *count = static_cast<std::uint32_t>(mGenerator.List(static_cast<NSdk::GeneratorList>(list)).size());
+  return S_OK;
+}
+
+NCanopen::ZMsgItemInfo* ZCANopenIGNode::FindItem(std::uint32_t list, std::uint32_t position) {
+  if (list > NSdk::kCyclicList) return nullptr;
+  const NCanopen::ItemList& items = mGenerator.List(static_cast<NSdk::GeneratorList>(list));
+  return position < items.size() ? items[position].get() : nullptr;
+}
+
+HRESULT ZCANopenIGNode::GetItem(std::uint32_t list, std::uint32_t position, NSdk::GeneratorItem* item) {
+  return NCom::Entry([&]() -> HRESULT {
+    if (!item) return E_POINTER;
+    const NCanopen::ZMsgItemInfo* found = FindItem(list, position);
+    if (!found) return E_INVALIDARG;
+    NCom::TaskText texts[4];
+    NCom::HandOut(NCommon::ToWide(found->GetTypeName()), texts[0].Receive());
+    NCom::HandOut(NCommon::ToWide(found->GetAttributesText()), texts[1].Receive());
+    NCom::HandOut(NCommon::ToWide(found->GetCycleText()), texts[2].Receive());
+    NCom::HandOut(NCommon::ToWide(found->GetDelayText()), texts[3].Receive());
+    *item = {found->GetTypeCode(), found->GetEnabled(), texts[0].Detach(),
+             texts[1].Detach(),    texts[2].Detach(),   texts[3].Detach()};
+    return S_OK;
+  });
+}
+
+HRESULT ZCANopenIGNode::SetItemEnabled(std::uint32_t list, std::uint32_t position, std::uint32_t enabled) {
+  NCom::ModuleScope scope;
+  NCanopen::ZMsgItemInfo* item = FindItem(list, position);
+  if (!item) return E_INVALIDARG;
+  item->SetEnabled(enabled ? 1 : 0);
+  return S_OK;
+}
+
+HRESULT ZCANopenIGNode::SetEvents(NSdk::IGeneratorEvents* events) {
+  return NCom::Entry([&] { mEvents = events; });
+}
+
+void ZCANopenIGNode::ItemSent(NSdk::GeneratorList list, std::size_t listPosition) {
+  const auto events = mEvents;
+  if (events) events->OnItemSent(list, static_cast<std::uint32_t>(listPosition));
+}
+
+void ZCANopenIGNode::ItemFailed(NSdk::GeneratorList list, std::size_t listPosition) {
+  const auto events = mEvents;
+  if (events) events->OnItemFailed(list, static_cast<std::uint32_t>(listPosition));
+}
+
+}  // namespace NIg

@@ -1,0 +1,77 @@
+#pragma once
+// The generator block as the host knows it.
+
+#include <string>
+
+#include "com/com_ptr.h"
+#include "com/implements.h"
+#include "ig/generator.h"
+#include "sdk/blocks.h"
+#include "sdk/generator.h"
+#include "sdk/persistence.h"
+
+namespace NIg {
+
+using GeneratorInterfaces =
+    NCom::Implements<NSdk::IPlugInBlock, NSdk::IMSFinalNode, NSdk::IMSTransferNode, NSdk::IRTClient,
+                     NSdk::ITimerSink, NSdk::IPersistentObject, NSdk::IGenerator>;
+
+/// ProgID "HarlowPlugIn.CANopenIG": composes CANopen messages and sends them on one CAN channel.
+class ZCANopenIGNode final : public GeneratorInterfaces, private TransmissionObserver {
+ public:
+  ZCANopenIGNode();
+
+  // IPlugInBlock
+  HRESULT STDMETHODCALLTYPE Attach(NSdk::IBlockSite* site) override;
+  HRESULT STDMETHODCALLTYPE Detach() override;
+  HRESULT STDMETHODCALLTYPE GetName(wchar_t** name) override;
+  HRESULT STDMETHODCALLTYPE SetName(const wchar_t* name) override;
+  HRESULT STDMETHODCALLTYPE GetCaption(wchar_t** caption) override;
+
+  // IMSFinalNode, IMSTransferNode
+  HRESULT STDMETHODCALLTYPE GetEvents(std::uint32_t* events) override;
+  HRESULT STDMETHODCALLTYPE Passes(std::uint32_t event) override;
+
+  // IRTClient, ITimerSink
+  HRESULT STDMETHODCALLTYPE StartMeasurement(NSdk::IRuntime* runtime) override;
+  HRESULT STDMETHODCALLTYPE StopMeasurement() override;
+  HRESULT STDMETHODCALLTYPE OnTimer(NSdk::ITimer* timer) override;
+
+  // IPersistentObject
+  HRESULT STDMETHODCALLTYPE GetProgId(wchar_t** progId) override;
+  HRESULT STDMETHODCALLTYPE Load(NSdk::IPersistReader* reader) override;
+  HRESULT STDMETHODCALLTYPE Save(NSdk::IPersistWriter* writer) override;
+
+  // IGenerator
+  HRESULT STDMETHODCALLTYPE LoadSequence(const wchar_t* path, wchar_t** reason) override;
+  HRESULT STDMETHODCALLTYPE SaveSequence(const wchar_t* path, wchar_t** reason) override;
+  HRESULT STDMETHODCALLTYPE ToggleSequence() override;
+  HRESULT STDMETHODCALLTYPE ToggleCyclic() override;
+  HRESULT STDMETHODCALLTYPE GetActivity(std::uint32_t* activity) override;
+  HRESULT STDMETHODCALLTYPE GetItemCount(std::uint32_t list, std::uint32_t* count) override;
+  HRESULT STDMETHODCALLTYPE GetItem(std::uint32_t list, std::uint32_t position,
+                                    NSdk::GeneratorItem* item) override;
+  HRESULT STDMETHODCALLTYPE SetItemEnabled(std::uint32_t list, std::uint32_t position,
+                                           std::uint32_t enabled) override;
+  HRESULT STDMETHODCALLTYPE SetEvents(NSdk::IGeneratorEvents* events) override;
+
+ private:
+  void ItemSent(NSdk::GeneratorList list, std::size_t listPosition) override;
+  void ItemFailed(NSdk::GeneratorList list, std::size_t listPosition) override;
+
+  /// Runs an entry that may change what the block does, and tells the host afterwards if it did.
+  template <class Body>
+  HRESULT ActivityEntry(Body&& body);
+  NCanopen::ZMsgItemInfo* FindItem(std::uint32_t list, std::uint32_t position);
+  void RememberSequence(const std::filesystem::path& path);
+  void UpdateDataFolder();
+
+  NCom::ComPtr<NSdk::IBlockSite> mSite;
+  NCom::ComPtr<NSdk::IGeneratorEvents> mEvents;
+  GeneratorSettings mSettings;
+  std::filesystem::path mSequencePath;  // last opened or saved; empty: none
+  bool mHexDisplay = true;              // shared by all items of the block
+  Generator mGenerator;
+};
+
+}  // namespace NIg

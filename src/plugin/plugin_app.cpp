@@ -1,0 +1,30 @@
+#include "plugin/plugin_app.h"
+
+#include "ig/generator_node.h"
+#include "plugin/plug_in.h"
+#include "sdk/class_ids.h"
+
+namespace NPlugin {
+
+// The scanner's identity is settled; its class is not part of this module yet, so the row makes nothing.
+ZPlugInApp::ZPlugInApp()
+    : mClasses{NCom::MakeRow(NSdk::kProgIdPlugIn, NSdk::kClsidPlugIn, NCom::MakeSingletonFactory,
+                             NCom::CreateObject<ZPlugIn>),
+               NCom::MakeRow(NSdk::kProgIdCANopenScanner, NSdk::kClsidCANopenScanner,
+                             NCom::MakeOrdinaryFactory, nullptr),
+               NCom::MakeRow(NSdk::kProgIdCANopenIG, NSdk::kClsidCANopenIG, NCom::MakeOrdinaryFactory,
+                             NCom::CreateObject<NIg::ZCANopenIGNode>)} {}
+
+bool ZPlugInApp::InitInstance() {
+  NCom::InitialiseClasses(mClasses, /*starting=*/true);
+  return true;
+}
+
+void ZPlugInApp::ExitInstance() { NCom::ReleaseFactories(mClasses); }
+
+ZPlugInApp& TheApp() {
+  static ZPlugInApp app;
+  return app;
+}
+
+}  // namespace NPlugin

@@ -1,0 +1,190 @@
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "com/assertion.h"
+#include "com/task_text.h"
+#include "ig/generator_node.h"
+#include "tests/ig/fake_host.h"
+
+namespace {
+
+using NCom::ComPtr;
+using NCom::TaskText;
+using NIg::ZCANopenIGNode;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+// The host's configuration: text by key.
+class Store final : public NCom::Implements<NSdk::IPersistReader, NSdk::IPersistWriter> {
+ public:
+  HRESULT STDMETHODCALLTYPE ReadText(const wchar_t* key, wchar_t** value) override {
+    const auto found = values.find(key);
+    return found == values.end() ? E_FAIL : NCom::HandOut(found->second, value);
+  }
+  HRESULT STDMETHODCALLTYPE WriteText(const wchar_t* key, const wchar_t* value) override {
+    values[key] = value;
+    return S_OK;
+  }
+  std::map<std::wstring, std::wstring> values;
+};
+
+class Site final : public NCom::Implements<NSdk::IBlockSite> {
+ public:
+  HRESULT STDMETHODCALLTYPE GetApplication(NSdk::IHostApplication**) override { return E_FAIL; }
+  HRESULT STDMETHODCALLTYPE BlockChanged() override {
+    ++changes;
+    return S_OK;
+  }
+  int changes = 0;
+};
+
+class Events final : public NCom::Implements<NSdk::IGeneratorEvents> {
+ public:
+  HRESULT STDMETHODCALLTYPE OnItemSent(std::uint32_t list, std::uint32_t position) override {
+    return Heard("sent " + std::to_string(list) + "/" + std::to_string(position));
+  }
+  HRESULT STDMETHODCALLTYPE OnItemFailed(std::uint32_t list, std::uint32_t position) override {
+    return Heard("failed " + std::to_string(list) + "/" + std::to_string(position));
+  }
+  HRESULT STDMETHODCALLTYPE OnActivityChanged(std::uint32_t activity) override {
+    return Heard("activity " + std::to_string(activity));
+  }
+  std::vector<std::string> heard;
+
+ private:
+  HRESULT Heard(std::string what) {
+    heard.push_back(std::move(what));
+    return S_OK;
+  }
+};
+
+class GeneratorNode : public testing::Test {
+ protected:
+  GeneratorNode() {
+    std::filesystem::create_directories(folder);
+    node->Attach(site.Get());
+    node->SetEvents(events.Get());
+  }
+  ~GeneratorNode() override {
+    node->Detach();
+    NCommon::SetHostApplication(nullptr);
+    std::filesystem::remove_all(folder);
+  }
+
+  std::filesystem::path Write(const char* name, const std::string& text) const {
+    std::ofstream(folder / name, std::ios::binary) << text;
+    return folder / name;
+  }
+  std::wstring Caption() {
+    TaskText caption;
+    node->GetCaption(caption.Receive());
+    return caption.Text();
+  }
+
+  std::filesystem::path folder =
+      std::filesystem::temp_directory_path() /
+      ("ostrel-node-" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()));
+  ComPtr<NTest::FakeHost> host = NCom::Make<NTest::FakeHost>();
+  ComPtr<Site> site = NCom::Make<Site>();
+  ComPtr<Events> events = NCom::Make<Events>();
+  ComPtr<ZCANopenIGNode> node = NCom::Make<ZCANopenIGNode>();
+};
+
+TEST_F(GeneratorNode, KeepsItsSettingsAndRefusesNumbersOutOfRange) {
+  const auto store = NCom::Make<Store>();
+  store->values = {{L"Name", L"Pump \u00e4"},
+                   {L"SvcDelay", L"100000"},
+                   {L"SDOTimeout", L"49"},
+                   {L"SDOBlockSize", L"12x"},
+                   {L"CANChannel", L"2"}};
+  EXPECT_EQ(node->Load(store.Get()), S_OK);
+  store->values.clear();
+  EXPECT_EQ(node->Save(store.Get()), S_OK);
+  const std::map<std::wstring, std::wstring> expected = {{L"Name", L"Pump \u00e4"},
+                                                         {L"SvcDelay", L"100000"},
+                                                         {L"SDOTimeout", L"5000"},
+                                                         {L"SDOBlockSize", L"10"},
+                                                         {L"CANChannel", L"2"}};
+  EXPECT_EQ(store->values, expected);
+  EXPECT_EQ(Caption(), L"CAN2 | Sequence file: Untitled");
+  EXPECT_THROW(node->Load(nullptr), NCom::ZAssertion);
+  EXPECT_THROW(node->Save(nullptr), NCom::ZAssertion);
+}
+
+TEST_F(GeneratorNode, LoadsPlaysAndReportsASequence) {
+  Write("data.bin", "\x11\x22\x33");
+  const auto path = Write("a.seq",
+                          "<CANopenIG><Sequence><SYNC COBID=\"0x80\" Enabled=\"0\"/>"
+                          "<PDO COBID=\"0x181\" Data=\"file:data.bin\" DLC=\"3\" Enabled=\"1\"/></Sequence>"
+                          "<CyclicMsgs/></CANopenIG>");
+  ASSERT_EQ(node->LoadSequence(path.wstring().c_str(), nullptr), S_OK);
+  EXPECT_EQ(site->changes, 1);
+  EXPECT_EQ(Caption(), L"CAN1 | Sequence file: " + path.wstring());
+
+  std::uint32_t count = 0;
+  EXPECT_EQ(node->GetItemCount(NSdk::kSequenceList, &count), S_OK);
+  EXPECT_EQ(count, 2u);
+  EXPECT_EQ(node->GetItemCount(2, &count), E_INVALIDARG);
+  NSdk::GeneratorItem item;
+  ASSERT_EQ(node->GetItem(NSdk::kSequenceList, 1, &item), S_OK);
+  EXPECT_STREQ(item.typeName, L"PDO");
+  EXPECT_STREQ(item.attributes, L"Node-ID 1, COBID 181, DLC 3, Data file:data.bin");
+  for (wchar_t* text : {item.typeName, item.attributes, item.cycle, item.delay}) CoTaskMemFree(text);
+  EXPECT_EQ(node->GetItem(NSdk::kSequenceList, 2, &item), E_INVALIDARG);
+  EXPECT_EQ(node->SetItemEnabled(NSdk::kCyclicList, 0, 1), E_INVALIDARG);
+
+  EXPECT_EQ(node->ToggleSequence(), E_FAIL) << "no measurement runs";
+  ASSERT_EQ(node->StartMeasurement(host.Get()), S_OK);
+  EXPECT_EQ(node->ToggleSequence(), S_OK);
+  EXPECT_EQ(node->LoadSequence(path.wstring().c_str(), nullptr), E_FAIL) << "its items are being sent";
+  host->RunFor(100);
+  EXPECT_THAT(host->TakeSent(), ElementsAre("10: 181 [3] 11 22 33"));
+  EXPECT_THAT(events->heard, ElementsAre("activity 1", "sent 0/1", "activity 0"));
+  node->StopMeasurement();
+  EXPECT_TRUE(host->timers.empty()) << "every timer is released";
+}
+
+TEST_F(GeneratorNode, AFileThatCannotBeLoadedChangesNothingAndSaysWhy) {
+  const auto good = Write("good.seq",
+                          "<CANopenIG><Sequence><SYNC COBID=\"0x80\" Enabled=\"1\"/></Sequence><CyclicMsgs/>"
+                          "</CANopenIG>");
+  const auto bad = Write("bad.seq", "<CANopenIG>\n<Sequence>\n</CANopenIG>");
+  ASSERT_EQ(node->LoadSequence(good.wstring().c_str(), nullptr), S_OK);
+  TaskText reason;
+  EXPECT_EQ(node->LoadSequence(bad.wstring().c_str(), reason.Receive()), E_FAIL);
+  EXPECT_THAT(reason.Text(), HasSubstr(L"line 3"));
+  std::uint32_t count = 0;
+  node->GetItemCount(NSdk::kSequenceList, &count);
+  EXPECT_EQ(count, 1u);
+  EXPECT_EQ(Caption(), L"CAN1 | Sequence file: " + good.wstring());
+
+  EXPECT_EQ(node->SaveSequence((folder / "none" / "x.seq").wstring().c_str(), reason.Receive()), E_FAIL);
+  EXPECT_THAT(reason.Text(), HasSubstr(L"cannot be created"));
+}
+
+TEST_F(GeneratorNode, AChannelThatIsNotThereKeepsTheBlockOutOfTheMeasurement) {
+  const auto store = NCom::Make<Store>();
+  store->values = {{L"CANChannel", L"7"}};
+  node->Load(store.Get());
+  EXPECT_EQ(node->StartMeasurement(host.Get()), E_INVALIDARG);
+  EXPECT_EQ(node->ToggleCyclic(), E_FAIL);
+  node->StopMeasurement();
+}
+
+TEST_F(GeneratorNode, ADetachedBlockTakesNoTimerCallbacks) {
+  const auto path = Write("a.seq",
+                          "<CANopenIG><Sequence/><CyclicMsgs><SYNC COBID=\"0x80\" SendCycle=\"10\" "
+                          "SendDelay=\"0\" Enabled=\"1\"/></CyclicMsgs></CANopenIG>");
+  node->LoadSequence(path.wstring().c_str(), nullptr);
+  node->StartMeasurement(host.Get());
+  node->ToggleCyclic();
+  host->RunFor(15);
+  EXPECT_EQ(host->TakeSent().size(), 1u);
+  node->Detach();
+  host->RunFor(100);
+  EXPECT_EQ(host->TakeSent().size(), 0u);
+}
+
+}  // namespace

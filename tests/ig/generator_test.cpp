@@ -1,0 +1,352 @@
+#include <gmock/gmock.h>
+
+#include "canopen/flow_items.h"
+#include "canopen/message_items.h"
+#include "ig/generator.h"
+#include "tests/ig/fake_host.h"
+
+namespace {
+
+using namespace NCanopen;
+using NIg::Generator;
+using NSdk::kCyclicList;
+using NSdk::kSequenceList;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+// Keeps what is posted to the window, in order; the stop of a timer is carried out at once.
+class RecordingWindow final : public NIg::GeneratorWindow {
+ public:
+  void EnableControl(NIg::WindowControl control, bool enable) override {
+    posts.push_back((enable ? "enable " : "disable ") + std::to_string(control));
+  }
+  void StopTimer(const NCom::ComPtr<NSdk::ITimer>& timer) override {
+    posts.emplace_back("stop timer");
+    timer->Stop();
+  }
+  void SelectItem(NIg::WindowControl list, std::size_t position) override {
+    posts.push_back("select " + std::to_string(list) + "/" + std::to_string(position));
+  }
+  void SetText(NIg::WindowControl control, const std::wstring& text) override {
+    labels[control] = text;
+    posts.push_back("text " + std::to_string(control) + " " + std::string(text.begin(), text.end()));
+  }
+  std::wstring Text(NIg::WindowControl control) const override { return labels.at(control); }
+
+  std::vector<std::string> Take() { return std::exchange(posts, {}); }
+
+  std::vector<std::string> posts;
+  std::map<NIg::WindowControl, std::wstring> labels = {{NIg::kControlExecute, L"&Execute"},
+                                                       {NIg::kControlStart, L"&Start"}};
+};
+
+// One generator block with its window, as the host's timers and the user see it.
+struct Block final : NCom::Implements<NSdk::ITimerSink>, NIg::TransmissionObserver {
+  Block() { generator.SetWindow(&window); }
+
+  HRESULT STDMETHODCALLTYPE OnTimer(NSdk::ITimer* timer) override {
+    generator.OnTimer(timer);
+    return S_OK;
+  }
+  void ItemSent(NSdk::GeneratorList, std::size_t) override {
+    if (whenSent) whenSent();
+  }
+  void ItemFailed(NSdk::GeneratorList list, std::size_t position) override {
+    failed.push_back(std::to_string(list) + "/" + std::to_string(position));
+  }
+
+  template <class Item>
+  Item& Add(NSdk::GeneratorList list) {
+    auto item = std::make_unique<Item>(&hexDisplay);
+    Item& added = *item;
+    generator.List(list).push_back(std::move(item));
+    return added;
+  }
+  void AddPause(std::uint32_t length_ms) { Add<ZPauseItemInfo>(kSequenceList).record.length_ms = length_ms; }
+  void AddSwitch(std::uint32_t start) { Add<ZCycSendStateItemInfo>(kSequenceList).record.start = start; }
+  ZSyncItemInfo& AddCyclicSync(std::uint32_t delay_ms, std::uint32_t cycle_ms) {
+    auto& item = Add<ZSyncItemInfo>(kCyclicList);
+    item.record.delay_ms = delay_ms;
+    item.record.cycle_ms = cycle_ms;
+    return item;
+  }
+  ZPDOItemInfo& AddPdo(NSdk::GeneratorList list, const char* data, std::uint32_t dlc) {
+    auto& item = Add<ZPDOItemInfo>(list);
+    item.record.data = data;
+    item.record.dlc = dlc;
+    return item;
+  }
+
+  bool hexDisplay = false;
+  RecordingWindow window;
+  std::vector<std::string> failed;
+  std::function<void()> whenSent;
+  Generator generator{*this, *this};
+};
+
+class GeneratorTest : public testing::Test {
+ protected:
+  GeneratorTest() {
+    first->generator.StartMeasurement(*host);
+    second->generator.StartMeasurement(*host);
+    first->window.Take();
+  }
+  ~GeneratorTest() override {
+    first->generator.StopMeasurement();
+    second->generator.StopMeasurement();
+    NCommon::SetHostApplication(nullptr);
+  }
+
+  std::vector<std::wstring>& Messages() { return host->dialogs->messages; }
+
+  NCom::ComPtr<NTest::FakeHost> host = NCom::Make<NTest::FakeHost>();
+  NCom::ComPtr<Block> first = NCom::Make<Block>();
+  NCom::ComPtr<Block> second = NCom::Make<Block>();
+  Generator& block = first->generator;
+};
+
+TEST_F(GeneratorTest, SendsOneItemPerTickAndEndsOnTheTickAfterTheLast) {
+  first->Add<ZSyncItemInfo>(kSequenceList).record.cobId = 0x20000800;
+  first->Add<ZSyncItemInfo>(kSequenceList).SetEnabled(0);
+  auto& emcy = first->Add<ZEmcyItemInfo>(kSequenceList).record;
+  emcy.errorCode = 0x8130;
+  emcy.errorRegister = 0x11;
+  emcy.manufacturer = {1, 2, 3, 4, 5};
+  first->Add<ZNMTItemInfo>(kSequenceList).record.nodeId = 0;
+  SetToggle(first->Add<ZGuardingItemInfo>(kSequenceList).record, true);
+  first->Add<ZRTRItemInfo>(kSequenceList).record.dlc = 4;
+  first->AddPdo(kSequenceList, "uint:4660", 2);
+
+  host->RunFor(3);
+  block.ToggleSequence();
+  host->RunFor(69);
+  EXPECT_THAT(host->TakeSent(),
+              ElementsAre("13: 800x [0]", "23: 81 [8] 30 81 11 01 02 03 04 05", "33: 0 [2] 01 00",
+                          "43: 701 [1] FF", "53: 181 [R4]", "63: 181 [2] 34 12"));
+  EXPECT_EQ(block.Activity(), NSdk::kSequenceRunning);
+  host->RunFor(1);
+  EXPECT_EQ(block.Activity(), 0u);
+  EXPECT_THAT(Messages(), IsEmpty());
+}
+
+TEST_F(GeneratorTest, DataWithoutTypeBecomesAByteArrayAndLongDataFollowsTheFourBitLength) {
+  const auto& untyped = first->AddPdo(kSequenceList, "0102", 2);
+  first->AddPdo(kSequenceList, "bytearr:00112233445566778899AABB", 12);
+  first->AddPdo(kSequenceList, "bytearr:00112233445566778899AABBCCDDEEFF", 16);
+  block.ToggleSequence();
+  host->RunFor(40);
+  EXPECT_THAT(host->TakeSent(),
+              ElementsAre("10: 181 [2] 01 02", "20: 181 [8] 00 11 22 33 44 55 66 77", "30: 181 [0]"));
+  EXPECT_EQ(untyped.record.data, "bytearr:0102");
+}
+
+TEST_F(GeneratorTest, ASequenceOfDisabledItemsStartsAndEndsOnTheFirstTick) {
+  first->Add<ZSyncItemInfo>(kSequenceList).SetEnabled(0);
+  block.ToggleSequence();
+  EXPECT_EQ(block.Activity(), NSdk::kSequenceRunning);
+  host->RunFor(10);
+  EXPECT_EQ(block.Activity(), 0u);
+
+  first->generator.List(kSequenceList).clear();
+  block.ToggleSequence();
+  EXPECT_EQ(block.Activity(), 0u) << "an empty list does not start";
+}
+
+TEST_F(GeneratorTest, APauseHoldsTheSequenceForWholeTicks) {
+  first->Add<ZSyncItemInfo>(kSequenceList);
+  first->AddPause(1000);
+  first->Add<ZSyncItemInfo>(kSequenceList);
+  first->AddPause(25);
+  block.ToggleSequence();
+  host->RunFor(1030);
+  EXPECT_THAT(host->TakeSent(), ElementsAre("10: 80 [0]", "1030: 80 [0]"));
+  host->RunFor(30);
+  EXPECT_EQ(block.Activity(), NSdk::kSequenceRunning) << "the pause at the end is held as well";
+  host->RunFor(10);
+  EXPECT_EQ(block.Activity(), 0u);
+}
+
+TEST_F(GeneratorTest, ACyclicMessageLeavesAfterItsDelayAndThenEveryCycle) {
+  first->AddCyclicSync(50, 100);
+  first->AddCyclicSync(0, 1000).SetEnabled(0);
+  block.ToggleCyclic();
+  EXPECT_EQ(block.Activity(), NSdk::kCyclicRequested);
+  host->RunFor(10);
+  EXPECT_EQ(block.Activity(), NSdk::kCyclicRunning) << "taken up by the next expiry of any timer";
+  host->RunFor(260);
+  EXPECT_THAT(host->TakeSent(), ElementsAre("60: 80 [0]", "160: 80 [0]", "260: 80 [0]"));
+  block.ToggleCyclic();
+  host->RunFor(1000);
+  EXPECT_THAT(host->TakeSent(), IsEmpty());
+  EXPECT_EQ(block.Activity(), 0u);
+}
+
+TEST_F(GeneratorTest, OnceASequenceHasEndedACyclicStartWaitsForTheNextOne) {
+  first->Add<ZSyncItemInfo>(kSequenceList);
+  first->AddCyclicSync(0, 100);
+  block.ToggleSequence();
+  host->RunFor(100);
+  block.ToggleCyclic();
+  host->TakeSent();
+  host->RunFor(5000);
+  EXPECT_THAT(host->TakeSent(), IsEmpty());
+  block.ToggleSequence();
+  host->RunFor(10);
+  EXPECT_THAT(host->TakeSent(), SizeIs(2));
+  EXPECT_EQ(block.Activity(), NSdk::kSequenceRunning | NSdk::kCyclicRunning);
+}
+
+TEST_F(GeneratorTest, TheSequenceSwitchesCyclicTransmissionOnAndOff) {
+  first->AddCyclicSync(0, 10);
+  first->AddSwitch(1);
+  first->AddPause(30);
+  first->AddSwitch(0);
+  block.ToggleSequence();
+  EXPECT_THAT(first->window.Take(),
+              ElementsAre("disable 707", "disable 731", "text 731 St&op", "text 706 St&op", "disable 728"));
+  host->RunFor(500);
+  EXPECT_THAT(host->TakeSent(),
+              ElementsAre("10: 80 [0]", "20: 80 [0]", "30: 80 [0]", "40: 80 [0]", "50: 80 [0]"));
+  EXPECT_EQ(block.Activity(), 0u);
+  EXPECT_EQ(first->window.labels[NIg::kControlStart], L"S&tart");
+  EXPECT_EQ(first->window.labels[NIg::kControlExecute], L"&Execute");
+}
+
+TEST_F(GeneratorTest, TheUserStopsASequenceAndTheCyclicTransmissionThatItStarted) {
+  first->AddCyclicSync(0, 10);
+  first->AddSwitch(1);
+  for (int i = 0; i < 100; ++i) first->Add<ZNMTItemInfo>(kSequenceList);
+  block.ToggleSequence();
+  host->RunFor(25);
+  block.ToggleSequence();
+  EXPECT_EQ(block.Activity(), NSdk::kSequenceRunning) << "the next tick ends it";
+  host->TakeSent();
+  host->RunFor(100);
+  EXPECT_THAT(host->TakeSent(), IsEmpty());
+  EXPECT_EQ(block.Activity(), 0u);
+}
+
+TEST_F(GeneratorTest, AFailedSequenceItemEndsTheSequenceAloneAndIsSelected) {
+  first->AddCyclicSync(0, 1000);
+  block.ToggleCyclic();
+  first->Add<ZSyncItemInfo>(kSequenceList).SetEnabled(0);
+  first->AddPdo(kSequenceList, "bytearr:1G", 1);
+  first->Add<ZSyncItemInfo>(kSequenceList);
+  block.ToggleSequence();
+  std::uint32_t whileShown = NSdk::kSequenceRunning;
+  host->dialogs->whileShown = [&] {
+    host->RunFor(50);  // the box lets further ticks in
+    whileShown = block.Activity();
+  };
+  first->window.Take();
+  host->RunFor(200);
+  EXPECT_EQ(whileShown, NSdk::kCyclicRunning);
+  ASSERT_THAT(Messages(), SizeIs(1));
+  EXPECT_EQ(Messages()[0],
+            L"The message sequence was not transmitted completely due to error.\n"
+            L"Please check the attributes of the selected list item.");
+  EXPECT_EQ(host->dialogs->icons[0], NSdk::kMessageExclamation);
+  const auto posts = first->window.Take();
+  ASSERT_GE(posts.size(), 4u);
+  EXPECT_THAT(std::vector(posts.begin(), posts.begin() + 4),
+              ElementsAre("enable 728", "enable 706", "select 728/1", "stop timer"));
+  EXPECT_EQ(block.Activity(), NSdk::kCyclicRunning);
+  EXPECT_THAT(first->failed, ElementsAre("0/1"));
+}
+
+TEST_F(GeneratorTest, AFailedCyclicItemStopsAllCyclicTransmissionAndIsSelected) {
+  first->AddCyclicSync(0, 10).SetEnabled(0);
+  first->AddCyclicSync(0, 10);
+  first->AddPdo(kCyclicList, "uint:-5", 1).record.delay_ms = 25;
+  block.ToggleCyclic();
+  host->RunFor(200);
+  EXPECT_THAT(host->TakeSent(), ElementsAre("10: 80 [0]", "20: 80 [0]", "30: 80 [0]"));
+  ASSERT_THAT(Messages(), SizeIs(1));
+  EXPECT_THAT(first->window.posts, testing::Contains("select 707/2"));
+  EXPECT_EQ(block.Activity(), 0u);
+  EXPECT_THAT(first->failed, ElementsAre("1/2"));
+}
+
+TEST_F(GeneratorTest, OnlyOneBlockSendsAtATime) {
+  first->Add<ZSyncItemInfo>(kSequenceList);
+  first->AddCyclicSync(0, 10);
+  second->Add<ZSyncItemInfo>(kSequenceList);
+  const std::wstring refusal = L"Only one generator block is allowed to send the messages at the same time.";
+
+  block.ToggleSequence();
+  second->generator.ToggleSequence();
+  second->generator.ToggleCyclic();
+  EXPECT_THAT(Messages(), ElementsAre(refusal, refusal));
+  host->RunFor(100);
+
+  Messages().clear();
+  block.ToggleSequence();
+  block.ToggleCyclic();
+  host->RunFor(100);
+  second->generator.ToggleSequence();
+  EXPECT_THAT(Messages(), ElementsAre(refusal));
+  second->generator.ToggleCyclic();
+  EXPECT_THAT(Messages(), SizeIs(1)) << "against cyclic transmission alone the command does nothing";
+  EXPECT_EQ(second->generator.Activity(), 0u);
+}
+
+TEST_F(GeneratorTest, CyclicSdoItemsMustNotShareAChannel) {
+  first->Add<ZSDOItemInfo>(kCyclicList);
+  auto& other = first->Add<ZSDOItemInfo>(kCyclicList);
+  other.record.cobIdTx = 0x602;  // the response identifier is still shared
+  block.ToggleCyclic();
+  EXPECT_THAT(
+      Messages(),
+      ElementsAre(L"Cyclic transmission of more than one SDO on the same SDO channel is not allowed."));
+  EXPECT_EQ(host->dialogs->icons[0], NSdk::kMessagePlain);
+  EXPECT_EQ(block.Activity(), 0u);
+  other.SetEnabled(0);
+  block.ToggleCyclic();
+  EXPECT_EQ(block.Activity(), NSdk::kCyclicRequested);
+}
+
+TEST_F(GeneratorTest, TheEndOfTheMeasurementEndsEverything) {
+  first->Add<ZSyncItemInfo>(kSequenceList);
+  first->AddPause(100000);
+  first->AddCyclicSync(0, 10);
+  block.ToggleCyclic();
+  block.ToggleSequence();
+  host->RunFor(50);
+  first->window.Take();
+  block.StopMeasurement();
+  const auto posts = first->window.Take();
+  ASSERT_GE(posts.size(), 7u);
+  EXPECT_THAT(std::vector(posts.end() - 7, posts.end()),
+              ElementsAre("disable 731", "disable 706", "enable 728", "enable 707", "disable 731",
+                          "text 731 S&tart", "text 706 &Execute"));
+  host->TakeSent();
+  host->RunFor(1000);
+  EXPECT_THAT(host->TakeSent(), IsEmpty());
+  EXPECT_EQ(block.Activity(), 0u);
+
+  second->Add<ZSyncItemInfo>(kSequenceList);
+  second->generator.ToggleSequence();
+  EXPECT_THAT(Messages(), IsEmpty()) << "no other block is kept from sending";
+  EXPECT_EQ(second->generator.Activity(), NSdk::kSequenceRunning);
+
+  block.StartMeasurement(*host);
+  EXPECT_THAT(first->window.Take(), ElementsAre("enable 706", "enable 731"));
+}
+
+TEST_F(GeneratorTest, WhoHearsOfAnItemMayStopTheMeasurement) {
+  first->Add<ZSyncItemInfo>(kSequenceList);
+  first->AddCyclicSync(0, 10);
+  first->whenSent = [&] { block.StopMeasurement(); };
+  block.ToggleSequence();
+  host->RunFor(50);
+  EXPECT_THAT(host->TakeSent(), SizeIs(1));
+  block.StartMeasurement(*host);
+  block.ToggleCyclic();
+  host->RunFor(50);
+  EXPECT_THAT(host->TakeSent(), SizeIs(1));
+  EXPECT_EQ(block.Activity(), 0u);
+}
+
+}  // namespace
