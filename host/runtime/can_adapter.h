@@ -1,0 +1,37 @@
+#pragma once
+// The seam between a measurement and whatever carries its frames: a bus inside this program, an interface of
+// the system, a network connection, a recorded log. Everything happens on the loop's thread.
+
+#include <string>
+
+#include "host/runtime/loop.h"
+#include "sdk/can_frame.h"
+
+namespace NRuntime {
+
+/// What an adapter reports. The calls may come from inside CanAdapter::Send.
+class CanAdapterEvents {
+ public:
+  virtual ~CanAdapterEvents() = default;
+  /// A frame of another participant was seen at `time` on the loop's clock.
+  virtual void OnReceived(const NSdk::CanFrame& frame, Time time) = 0;
+  /// A frame of this adapter was on the bus at `time`.
+  virtual void OnSent(const NSdk::CanFrame& frame, Time time) = 0;
+  /// The bus or the way to it is in trouble, in words: error states, a lost connection, a frame that was
+  /// given up. The adapter stays open.
+  virtual void OnTrouble(const std::string& text) = 0;
+};
+
+/// One channel's way to a bus.
+class CanAdapter {
+ public:
+  virtual ~CanAdapter() = default;
+  /// Joins the bus. Throws std::runtime_error in words for the user; the adapter is then closed.
+  virtual void Open(CanAdapterEvents& events) = 0;
+  /// Leaves it; no event comes afterwards. Nothing happens when it is closed.
+  virtual void Close() = 0;
+  /// Queues a frame behind those sent before. Its fields have been checked.
+  virtual void Send(const NSdk::CanFrame& frame) = 0;
+};
+
+}  // namespace NRuntime
