@@ -1,0 +1,69 @@
+#include "host/buses/bus_factory.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+#include "host/buses/bus_name.h"
+
+namespace NBuses {
+namespace {
+
+struct BusKind {
+  std::string_view name;
+  std::string_view form;  // for the help text
+  std::string_view meaning;
+  std::vector<std::string_view> options;
+};
+
+const std::vector<BusKind>& Kinds() {
+  static const std::vector<BusKind> kinds = {
+      {"virtual", "virtual[:NAME]", "a bus inside this program; channels with the same NAME share it", {}},
+  };
+  return kinds;
+}
+
+[[noreturn]] void Refuse(std::string_view word, const std::string& reason) {
+  throw std::runtime_error("bus \"" + std::string(word) + "\": " + reason);
+}
+
+template <class Range, class Name>
+std::string Join(const Range& range, Name name) {
+  std::string text;
+  for (const auto& element : range) text += (text.empty() ? "" : ", ") + std::string(name(element));
+  return text;
+}
+
+const BusKind& FindKind(std::string_view word, const BusName& name) {
+  for (const BusKind& kind : Kinds()) {
+    if (kind.name == name.kind) return kind;
+  }
+  const std::string known = Join(Kinds(), [](const BusKind& kind) { return kind.name; });
+  Refuse(word, "unknown kind \"" + name.kind + "\" (known: " + known + ")");
+}
+
+void CheckOptions(std::string_view word, const BusName& name, const BusKind& kind) {
+  for (const auto& [option, value] : name.options) {
+    if (std::find(kind.options.begin(), kind.options.end(), option) != kind.options.end()) continue;
+    const std::string known = Join(kind.options, [](std::string_view text) { return text; });
+    Refuse(word, "unknown option \"" + option + "\" (" + std::string(kind.name) + " has " +
+                     (known.empty() ? "none" : known) + ")");
+  }
+}
+
+}  // namespace
+
+std::unique_ptr<NRuntime::CanAdapter> BusFactory::Make(std::string_view word) {
+  const BusName name = ParseBusName(word);
+  CheckOptions(word, name, FindKind(word, name));
+  return std::make_unique<VirtualPort>(mVirtualBuses.Get(name.address));
+}
+
+std::string DescribeBusKinds() {
+  std::string text;
+  for (const BusKind& kind : Kinds()) {
+    text += "  " + std::string(kind.form) + "  " + std::string(kind.meaning) + "\n";
+  }
+  return text;
+}
+
+}  // namespace NBuses

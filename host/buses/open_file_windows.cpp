@@ -1,0 +1,7 @@
+#include "host/buses/open_file.h"
+
+namespace NBuses {
+
+std::FILE* OpenForWriting(const std::filesystem::path& path) { return _wfopen(path.c_str(), L"wb"); }
+
+}  // namespace NBuses
