@@ -1,0 +1,82 @@
+// Block download (CiA 301, 7.2.4.2.8 to 7.2.4.2.10).
+
+#include <algorithm>
+
+#include "sdo/engine/abort_codes.h"
+#include "sdo/engine/crc.h"
+#include "sdo/engine/driver.h"
+#include "sdo/engine/transfer.h"
+
+namespace NSdo {
+
+namespace {
+
+constexpr std::uint8_t kMaxBlockSize = 127;
+
+std::uint32_t BytesLeft(const SdoChannel& ch) { return ch.size - ch.transferred; }
+
+// The next segment of the sub-block; it counts as transferred once it is built.
+SdoFrame NextSegment(SdoChannel& ch, std::uint8_t sequence) {
+  const std::uint32_t left = BytesLeft(ch);
+  const bool last = left <= kSegmentSize;
+  const std::uint32_t size = last ? left : kSegmentSize;
+  const SdoFrame frame = BlockSegment(ch.cobIdTx, sequence, ch.buffer + ch.transferred, size, last);
+  if (last) ch.lastSegmentSize = static_cast<std::uint8_t>(size);
+  ch.transferred += size;
+  return frame;
+}
+
+// Without data one empty segment is sent. When the transmit queue is full the rest waits for the server, and
+// the next sub-block is one segment shorter.
+void SendSubBlock(SdoEngine& engine, SdoChannel& ch) {
+  for (std::uint8_t sequence = 1; sequence <= ch.blockSize; ++sequence) {
+    if (BytesLeft(ch) == 0 && (ch.size != 0 || sequence > 1)) break;
+    if (!SdoQueueFrame(engine, NextSegment(ch, sequence))) {
+      if (ch.blockSize >= 2) --ch.blockSize;
+      break;
+    }
+    if (ch.state != SdoState::BlockDownloadSending) return;  // the transmit hook has ended the transfer
+  }
+  RestartTimeout(ch);
+}
+
+// The server has none of the sub-block: back by what the last segment held and by full segments. A server
+// that repeats this can ask for more than was ever sent, and a short last segment leaves a remainder below
+// seven: the position stops at the start of the data.
+void Rewind(SdoChannel& ch) {
+  const std::uint32_t bytes = ch.lastSegmentSize + ch.blockSize * kSegmentSize;
+  ch.transferred -= std::min(ch.transferred, bytes);
+}
+
+}  // namespace
+
+void OnBlockDownloadInitiated(SdoEngine& engine, SdoChannel& ch, const SdoFrame& frame) {
+  if (ch.state != SdoState::BlockDownloadInitiated) return FailTransfer(engine, ch, kAbortCommand);
+  const std::uint8_t blockSize = ServerBlockSize(frame);
+  if (blockSize == 0 || blockSize > kMaxBlockSize) return FailTransfer(engine, ch, kAbortBlockSize);
+  ch.blockSize = blockSize;
+  ch.state = SdoState::BlockDownloadSending;
+  SendSubBlock(engine, ch);
+}
+
+// The block size that the server proposes for the next sub-block is not taken over.
+void OnBlockDownloadAck(SdoEngine& engine, SdoChannel& ch, const SdoFrame& frame) {
+  if (ch.state != SdoState::BlockDownloadSending) return FailTransfer(engine, ch, kAbortCommand);
+  const std::uint8_t acknowledged = AcknowledgedSequence(frame);
+  if (acknowledged == 0) {
+    Rewind(ch);
+  } else if (acknowledged != ch.blockSize && BytesLeft(ch) != 0) {
+    return FailTransfer(engine, ch, kAbortBlockSize);  // no partial retransmission
+  }
+  if (BytesLeft(ch) != 0) return SendSubBlock(engine, ch);
+  ch.state = SdoState::BlockDownloadEnding;
+  RestartTimeout(ch);
+  SendOrFail(engine, ch, BlockDownloadEnd(ch, SdoCrc(ch.buffer, ch.size)));
+}
+
+void OnBlockDownloadEnd(SdoEngine& engine, SdoChannel& ch, const SdoFrame&) {
+  if (ch.state == SdoState::BlockDownloadEnding) return CompleteTransfer(engine, ch);
+  ch.abortCode = kSdoAbortCodes[kAbortCommand];  // noted, but the transfer goes on
+}
+
+}  // namespace NSdo

@@ -1,0 +1,59 @@
+// From a received frame to the event of the transfer that it belongs to.
+
+#include <array>
+
+#include "sdo/engine/transfer.h"
+
+namespace NSdo {
+
+namespace {
+
+using Handler = void (*)(SdoEngine& engine, SdoChannel& ch, const SdoFrame& frame);
+
+// By CommandKey: the server's command in bits 7..5 of byte 0 and, where the command has one, the sub-command
+// in bits 1..0. Null: no server sends this, the frame is dropped.
+constexpr std::array<Handler, 32> MakeHandlers() {
+  std::array<Handler, 32> handlers{};
+  const auto whole = [&handlers](unsigned command, Handler handler) {
+    for (unsigned sub = 0; sub < 4; ++sub) handlers[CommandKeyOf(command, sub)] = handler;
+  };
+  whole(kServerUploadSegment, &OnUploadSegment);
+  whole(kServerDownloadSegment, &OnDownloadResponse);
+  whole(kServerUploadInitiate, &OnUploadInitiated);
+  whole(kServerDownloadInitiate, &OnDownloadResponse);
+  whole(kServerAbort, &OnAbortReceived);
+  handlers[CommandKeyOf(kServerBlockDownload, 0)] = &OnBlockDownloadInitiated;
+  handlers[CommandKeyOf(kServerBlockDownload, 1)] = &OnBlockDownloadEnd;
+  handlers[CommandKeyOf(kServerBlockDownload, 2)] = &OnBlockDownloadAck;
+  handlers[CommandKeyOf(kServerBlockUpload, 0)] = &OnBlockUploadInitiated;
+  handlers[CommandKeyOf(kServerBlockUpload, 1)] = &OnBlockUploadEnd;
+  handlers[CommandKeyOf(kServerBlockUpload, 2)] = &OnBlockUploadInitiated;
+  return handlers;
+}
+
+constexpr std::array<Handler, 32> kHandlers = MakeHandlers();
+
+void Deliver(SdoEngine& engine, const SdoFrame& frame) {
+  const SdoActiveChannel* active = engine.client->active.Find(CobIdOf(frame));
+  if (active == nullptr) return;
+  SdoChannel& ch = *active->channel;
+  // Within a sub-block byte 0 is a sequence number, not a command.
+  const Handler handler =
+      ch.state == SdoState::BlockUploadReceiving ? &OnBlockUploadSegment : kHandlers[CommandKey(frame)];
+  if (handler != nullptr) handler(engine, ch, frame);
+}
+
+}  // namespace
+
+// The frame is handled in its slot. A hook that feeds the next one meanwhile only queues it: the slot is
+// taken, and this loop finds the frame afterwards.
+void SdoProcessReceived(SdoEngine& engine) {
+  if (!engine.client) return;
+  SdoQueue& queue = engine.client->receive;
+  while (const SdoFrame* frame = queue.TakeRead()) {
+    Deliver(engine, *frame);
+    queue.CommitRead();
+  }
+}
+
+}  // namespace NSdo
