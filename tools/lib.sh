@@ -1,0 +1,68 @@
+# Sourced by the scripts: where things lie, which packages they need, and how those come onto the machine.
+set -euo pipefail
+
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+cache=$root/.cache  # made once and kept; build/ may be wiped at any time
+
+# What each group of packages is for:
+#   build     compile and run natively
+#   test      the native tests: GoogleTest, a reader of the logs that are written, benchmarks, the format check
+#   windows   cross compiler, Wine (fonts apart: windows measure their text)
+#   source    unpack a Debian source package
+packages_of() {
+  case $1 in
+    build) echo g++ cmake ninja-build libxerces-c-dev libasio-dev libcli11-dev nlohmann-json3-dev libfmt-dev ;;
+    test) echo googletest can-utils libbenchmark-dev clang-format-14 ;;
+    windows) echo g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 wine64 fonts-wine googletest ;;
+    source) echo dpkg-dev ;;
+    tidy) echo clang-tidy-14 clang-tools-14 clang-format-14 ;;
+    *) die "no package group '$1'" ;;
+  esac
+}
+
+say() { printf '== %s\n' "$*" >&2; }
+
+die() {
+  printf '%s: %s\n' "${0##*/}" "$*" >&2
+  exit 1
+}
+
+as_root() {
+  if [ "$(id -u)" -eq 0 ]; then
+    "$@"
+  elif command -v sudo >/dev/null; then
+    sudo "$@"
+  else
+    die "neither root nor sudo: as root, run: $*"
+  fi
+}
+
+# missing_packages NAME...: those of them that are not installed, one per line.
+missing_packages() {
+  local installed
+  installed=$(dpkg-query -W -f '${db:Status-Status} ${Package}\n' "$@" 2>/dev/null | sed -n 's/^installed //p' || true)
+  printf '%s\n' "$@" | grep -vxF -e "$installed" || true
+}
+
+# need GROUP...: installs what is missing of these groups; asks nothing of apt when all is there.
+need() {
+  local group wanted=() missing
+  for group in "$@"; do
+    read -ra wanted <<<"${wanted[*]-} $(packages_of "$group")"
+  done
+  mapfile -t missing < <(missing_packages "${wanted[@]}")
+  [ "${#missing[@]}" -eq 0 ] && return
+  say "installing ${missing[*]}"
+  as_root env DEBIAN_FRONTEND=noninteractive apt-get -q update
+  as_root env DEBIAN_FRONTEND=noninteractive apt-get -q install -y --no-install-recommends "${missing[@]}"
+}
+
+# configure PRESET: unless it stands. What CMake reads it follows by itself, except the presets.
+configure() {
+  local folder=$root/build/${1%-run}
+  local stamp=$folder/.configured-$1
+  if [ -e "$folder/build.ninja" ] && [ "$stamp" -nt "$root/CMakePresets.json" ]; then
+    return
+  fi
+  (cd "$root" && cmake --preset "$1") && touch "$stamp"
+}
