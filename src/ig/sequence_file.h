@@ -15,8 +15,8 @@
 
 namespace NIg {
 
-/// Largest sequence file that is read; several hundred thousand items.
-inline constexpr std::uintmax_t kMaxSequenceFileSize = 100u << 20;
+/// Largest sequence file that is read, in bytes. An item takes some 150 to 250 of them.
+inline constexpr std::uintmax_t kMaxSequenceFileSize = 64u << 20;
 
 /// Deletes the file at `path`, then writes both lists there.
 ///

@@ -17,6 +17,20 @@ namespace NIg {
 
 namespace {
 
+// Attributes of one element are only counted when all of them have been read, which for some millions takes
+// long. There are no more of them than equals signs behind a "<"; some may stand in values.
+constexpr std::size_t kMaxEqualsSigns = 100'000;
+
+bool HasCrowdedTag(const std::string& text) {
+  std::size_t count = 0;
+  for (const char character : text) {
+    if (character == '<') count = 0;
+    if (character == '=' && ++count > kMaxEqualsSigns) return true;
+  }
+  return false;
+}
+
+constexpr const char* kTooManyAttributes = "an element has too many attributes";
 constexpr const char* kOutOfMemory = "out of memory";
 
 struct Refusal {};  // ends the parser; the reason is in mFault
@@ -30,6 +44,7 @@ class XmlLibrary {
 };
 
 std::string Located(XMLFileLoc line, XMLFileLoc column, const std::string& text) {
+  if (line == 0) return text;
   return fmt::sprintf("line %d, column %d: %s", line, column, text);
 }
 
@@ -73,6 +88,10 @@ ItemParser::ItemParser() {
 }
 
 xercesc::DOMDocument* ItemParser::Parse(const std::string& text, std::string& fault) {
+  if (HasCrowdedTag(text)) {
+    fault = kTooManyAttributes;
+    return nullptr;
+  }
   const xercesc::MemBufInputSource source(reinterpret_cast<const XMLByte*>(text.data()), text.size(), "");
   try {
     parse(source);
@@ -89,13 +108,20 @@ void ItemParser::Refuse(const char* reason) {
   throw Refusal();
 }
 
+void ItemParser::CountName(const XMLCh* name) {
+  mNames.insert(name);
+  if (mNames.size() > kMaxXmlNames) Refuse("too many different names");
+}
+
 void ItemParser::startElement(const xercesc::XMLElementDecl& declaration, unsigned uriId, const XMLCh* prefix,
                               const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes,
                               XMLSize_t attributeCount, bool isEmpty, bool isRoot) {
   if (mDepth >= kMaxXmlDepth) Refuse("elements are nested too deeply");
-  if (attributeCount > kMaxXmlAttributes) Refuse("an element has too many attributes");
+  if (attributeCount > kMaxXmlAttributes) Refuse(kTooManyAttributes);
   mNodes += 1 + attributeCount;
   if (mNodes > kMaxXmlNodes) Refuse("too many elements and attributes");
+  CountName(declaration.getFullName());
+  for (XMLSize_t at = 0; at < attributeCount; ++at) CountName(attributes.elementAt(at)->getQName());
   ++mDepth;  // the end of an empty element is called as well
   XercesDOMParser::startElement(declaration, uriId, prefix, attributes, attributeCount, isEmpty, isRoot);
 }

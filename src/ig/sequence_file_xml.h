@@ -3,8 +3,11 @@
 
 #include <functional>
 #include <string>
+#include <unordered_set>
 #include <xercesc/dom/DOMDocument.hpp>
 #include <xercesc/parsers/XercesDOMParser.hpp>
+
+#include "ig/sequence_file_text.h"
 
 namespace NIg {
 
@@ -13,11 +16,12 @@ namespace NIg {
 /// or a lack of memory throws.
 bool WithXmlLibrary(std::string& fault, const std::function<void()>& action);
 
-// A sequence file is flat and plain. These bounds lie far above any list of messages and keep a hostile file
-// from filling the memory.
+// A sequence file is flat and plain. These bounds lie far above any list of messages (there is room for 200
+// 000 items) and keep a hostile file from filling memory and time; the library looks names up in lists.
 inline constexpr unsigned kMaxXmlDepth = 100;
-inline constexpr std::size_t kMaxXmlNodes = 8'000'000;  // elements and attributes
+inline constexpr std::size_t kMaxXmlNodes = 3'000'000;  // elements and attributes
 inline constexpr std::size_t kMaxXmlAttributes = 100;   // of one element
+inline constexpr std::size_t kMaxXmlNames = 1000;       // different ones, of elements and attributes
 
 /// Builds a document of elements and attributes alone and opens nothing beside the text that it is given. A
 /// text beyond the limits above or with a document type of its own (which is what entities need) is refused.
@@ -45,7 +49,10 @@ class ItemParser final : private xercesc::XercesDOMParser {
 
   [[noreturn]] void Refuse(const char* reason);
 
+  void CountName(const XMLCh* name);
+
   std::string mFault;
+  std::unordered_set<XmlText> mNames;
   unsigned mDepth = 0;
   std::size_t mNodes = 0;
 };
