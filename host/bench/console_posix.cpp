@@ -1,0 +1,22 @@
+#include <unistd.h>
+
+#include <csignal>
+
+#include "host/bench/console.h"
+
+namespace NBench {
+
+void PrepareConsole() { std::signal(SIGPIPE, SIG_IGN); }
+
+std::vector<std::string> CommandLineArguments(int count, char** values) {
+  return count > 1 ? std::vector<std::string>(values + 1, values + count) : std::vector<std::string>();
+}
+
+std::filesystem::path ProgramFolder() {
+  std::error_code ignored;
+  return std::filesystem::read_symlink("/proc/self/exe", ignored).parent_path();
+}
+
+bool IsTerminal(std::FILE* stream) { return isatty(fileno(stream)) != 0; }
+
+}  // namespace NBench

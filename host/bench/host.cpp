@@ -1,0 +1,58 @@
+#include "host/bench/host.h"
+
+#include "host/bench/console.h"
+#include "host/runtime/text.h"
+
+namespace NBench {
+namespace {
+
+constexpr char kModuleName[] = "Ostrel.hpi";
+
+std::vector<NRuntime::CanChannel> MakeChannels(NBuses::BusFactory& factory,
+                                               const std::vector<ChannelOption>& options) {
+  std::vector<NRuntime::CanChannel> channels;
+  for (const ChannelOption& option : options) channels.push_back({option.number, factory.Make(option.bus)});
+  return channels;
+}
+
+NRuntime::ConfigurationData MakeConfiguration(const std::vector<ChannelOption>& channels) {
+  NRuntime::ConfigurationData configuration;
+  for (const ChannelOption& channel : channels) configuration.canChannels.push_back(channel.number);
+  return configuration;
+}
+
+// Takes the place of the module's message boxes and dialogs.
+class TextDialogs final : public NRuntime::Implements<NSdk::IUserDialogs> {
+ public:
+  explicit TextDialogs(std::function<void(const std::string&)> show) : mShow(std::move(show)) {}
+
+  HRESULT STDMETHODCALLTYPE ShowMessage(const wchar_t*, const wchar_t* text, std::uint32_t) override {
+    if (!text) return E_POINTER;
+    mShow(NRuntime::ToUtf8(std::wstring_view(text)));
+    return S_OK;
+  }
+
+  HRESULT STDMETHODCALLTYPE SelectNodes(const wchar_t*, const std::uint8_t*, std::uint32_t,
+                                        std::uint8_t*) override {
+    return S_FALSE;  // nobody is there to pick any
+  }
+
+ private:
+  std::function<void(const std::string&)> mShow;
+};
+
+}  // namespace
+
+Host::Host(const HostOptions& options, NRuntime::MeasurementObserver& observer,
+           std::function<void(const std::string&)> showMessage)
+    : mMeasurement(mLoop, MakeChannels(mBuses, options.channels), observer),
+      mApplication(NRuntime::Make<NRuntime::Application>(
+          NRuntime::ApplicationSettings{options.variant, 1, 10}, MakeConfiguration(options.channels))),
+      mModule(options.module.value_or(ProgramFolder() / kModuleName)) {
+  mApplication->AddService<NSdk::IUserDialogs>(
+      NRuntime::ComPtr<NSdk::IUserDialogs>::Own(new TextDialogs(std::move(showMessage))));
+  mApplication->SetMeasuringQuery([this] { return mMeasurement.IsRunning(); });
+  mModule.Initialise(*mApplication);
+}
+
+}  // namespace NBench

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/buses/bus_factory.h"
+#include "host/runtime/application.h"
+#include "host/runtime/asio_loop.h"
+#include "host/runtime/measurement.h"
+#include "host/runtime/module.h"
+
+namespace NBench {
+
+struct ChannelOption {
+  std::uint32_t number = 0;
+  std::string bus;  ///< KIND[:ADDRESS][,OPTION=VALUE...]
+};
+
+struct HostOptions {
+  std::vector<ChannelOption> channels;  ///< numbers differ
+  NSdk::HostVariant variant = NSdk::kHostHalvard;
+  std::optional<std::filesystem::path> module;  ///< empty: the one beside the program
+};
+
+/// A host without windows: the loop, the channels, the application object and the module, ready for blocks.
+/// Blocks are let go before the host is, and the measurement is stopped before them.
+class Host {
+ public:
+  /// `showMessage` gets each message of the module as one text. Throws std::runtime_error, one line that
+  /// names the channel, bus or module at fault.
+  Host(const HostOptions& options, NRuntime::MeasurementObserver& observer,
+       std::function<void(const std::string&)> showMessage);
+
+  NRuntime::AsioLoop& Loop() { return mLoop; }
+  NRuntime::Application& Application() { return *mApplication; }
+  NRuntime::Module& Module() { return mModule; }
+  NRuntime::Measurement& Measurement() { return mMeasurement; }
+
+ private:
+  NRuntime::AsioLoop mLoop;
+  NBuses::BusFactory mBuses{mLoop};
+  NRuntime::Measurement mMeasurement;
+  NRuntime::ComPtr<NRuntime::Application> mApplication;
+  NRuntime::Module mModule;
+};
+
+}  // namespace NBench

@@ -1,0 +1,246 @@
+#include "host/bench/play.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+#include "host/bench/console.h"
+#include "host/bench/generator_block.h"
+#include "host/bench/report.h"
+#include "host/bench/stop_request.h"
+#include "host/buses/log_writer.h"
+#include "host/runtime/text.h"
+
+namespace NBench {
+namespace {
+
+constexpr NRuntime::Time kStatusPeriod = std::chrono::milliseconds(200);
+
+NRuntime::Settings GeneratorSettings(const PlayOptions& options) {
+  return {{L"Name", L"Generator"},
+          {L"SvcDelay", std::to_wstring(options.delay_ms)},
+          {L"SDOTimeout", L"5000"},
+          {L"SDOBlockSize", L"10"},
+          {L"CANChannel", std::to_wstring(options.channel)}};
+}
+
+std::string OneLine(std::string text) {
+  std::replace(text.begin(), text.end(), '\n', ' ');
+  return text;
+}
+
+// One run. Whatever ends it is posted to the loop, so that the module is never stopped from inside one of its
+// calls.
+class Player final : private NRuntime::MeasurementObserver, private GeneratorListener {
+ public:
+  explicit Player(const PlayOptions& options);
+  ~Player() override { mHost.Measurement().Stop(); }
+  ExitStatus Run();
+
+ private:
+  void OnFrame(const NRuntime::SeenFrame& seen) override;
+  void OnTrouble(std::uint32_t channel, const std::string& text) override;
+  void OnItemSent(NSdk::GeneratorList list, std::uint32_t position) override;
+  void OnItemFailed(NSdk::GeneratorList list, std::uint32_t position) override;
+  void OnActivityChanged() override { EndWhenIdle(); }
+  void OnModuleMessage(const std::string& text);
+
+  void OpenLog();
+  void Start();
+  void StartTransmission();
+  void WaitForEnd();
+  void EndWhenIdle();
+  bool IsIdle() const;
+  void EndByUser();
+  ExitStatus Finish();
+
+  void WriteLog(const NRuntime::SeenFrame& seen);
+  void AddError(const std::string& text);
+  void Remark(const std::string& text);
+  void ShowStatus();
+
+  const PlayOptions mOptions;
+  Host mHost;
+  GeneratorBlock mGenerator;
+  StatusLine mStatus;
+  std::unique_ptr<Report> mReport;
+  Tally mTally;
+  std::optional<NBuses::LogWriter> mLog;
+  std::chrono::nanoseconds mStart_utc{};
+  std::string mFailedItem;    // until the message comes that says why
+  bool mCyclicAsked = false;  // by the user, and there is something to send
+  bool mEndedByUser = false;
+};
+
+Player::Player(const PlayOptions& options)
+    : mOptions(options),
+      mHost(options.host, *this, [this](const std::string& text) { OnModuleMessage(text); }),
+      mGenerator(mHost.Module(), mHost.Application(), GeneratorSettings(options), *this),
+      mReport(options.json ? MakeJsonReport() : MakeTextReport(options.times)) {
+  mGenerator.LoadSequence(options.sequence);
+  mTally.itemsToSend = mGenerator.CountEnabled(NSdk::kSequenceList);
+}
+
+ExitStatus Player::Run() {
+  // Before anything starts: from here on a request to stop leaves everything in order.
+  const StopRequest stopRequest(mHost.Loop(), [this] { EndByUser(); });
+  OpenLog();
+  Start();
+  WaitForEnd();
+  return Finish();
+}
+
+// A log may replace an older one, but never the file that is played.
+void Player::OpenLog() {
+  if (!mOptions.log) return;
+  std::error_code ignored;
+  if (std::filesystem::equivalent(*mOptions.log, mOptions.sequence, ignored)) {
+    throw std::runtime_error("log " + NRuntime::PathText(*mOptions.log) + ": this is the file to be played");
+  }
+  mLog.emplace(*mOptions.log);
+}
+
+void Player::Start() {
+  mStart_utc = std::chrono::system_clock::now().time_since_epoch();
+  try {
+    mHost.Measurement().Start({mGenerator.Object()});
+    StartTransmission();
+  } catch (...) {
+    mHost.Measurement().Stop();
+    if (mLog) mLog->Discard();
+    throw;
+  }
+}
+
+// Cyclic transmission is asked for first: a request that comes after a sequence has ended waits for the next
+// one.
+void Player::StartTransmission() {
+  const std::uint32_t cyclicItems = mGenerator.CountEnabled(NSdk::kCyclicList);
+  mCyclicAsked = mOptions.cyclic && cyclicItems != 0;
+  if (mCyclicAsked) {
+    mGenerator.ToggleCyclic();
+  } else if (mOptions.cyclic) {
+    Remark("the cyclic list has no enabled items");
+  } else if (mTally.itemsToSend == 0) {
+    Remark(cyclicItems == 0 ? "nothing to send: no item is enabled"
+                            : "the sequence has no enabled items; --cyclic sends the cyclic list");
+  }
+  mGenerator.ToggleSequence();
+  EndWhenIdle();
+}
+
+void Player::WaitForEnd() {
+  NRuntime::AsioLoop& loop = mHost.Loop();
+  const auto end = loop.MakeAlarm([&] { loop.Stop(); });
+  if (mOptions.duration) end->SetFor(loop.Now() - mHost.Measurement().Elapsed() + *mOptions.duration);
+  std::unique_ptr<NRuntime::Alarm> status;
+  status = loop.MakeAlarm([&] {
+    ShowStatus();
+    status->SetFor(loop.Now() + kStatusPeriod);
+  });
+  if (mStatus.IsShown()) status->SetFor(loop.Now());
+  loop.Run();
+}
+
+void Player::EndWhenIdle() {
+  mHost.Loop().Post([this] {
+    if (IsIdle()) mHost.Loop().Stop();
+  });
+}
+
+// Whether the run is over before its time. One with a duration lasts that long, unless it has failed.
+bool Player::IsIdle() const {
+  const std::uint32_t activity = mGenerator.Activity();
+  if (mOptions.duration && mTally.errors.empty()) return false;
+  if (mOptions.duration || mCyclicAsked) return activity == 0;
+  return (activity & NSdk::kSequenceRunning) == 0;
+}
+
+void Player::EndByUser() {
+  mEndedByUser = true;
+  mHost.Loop().Stop();
+}
+
+ExitStatus Player::Finish() {
+  const std::uint32_t activity = mGenerator.Activity();
+  mTally.elapsed = mHost.Measurement().Elapsed();
+  mHost.Measurement().Stop();
+  const bool cutShort = (activity & NSdk::kSequenceRunning) != 0;
+  if (cutShort) {
+    Remark("stopped before the end of the sequence");
+  } else if ((activity & NSdk::kCyclicRunning) != 0 && !mOptions.duration && !mEndedByUser) {
+    Remark(
+        "cyclic transmission was still running at the end of the sequence and was stopped; --for or --cyclic "
+        "lets it go on");
+  }
+  if (!mFailedItem.empty()) AddError("not transmitted");
+  mStatus.Clear();
+  mReport->Finish(mTally);
+  if (!mReport->Fault().empty()) Complain(mReport->Fault());
+  if (!mTally.errors.empty() || mReport->IsUnread()) return kFailed;
+  return cutShort && mEndedByUser ? kInterrupted : kOk;
+}
+
+void Player::OnFrame(const NRuntime::SeenFrame& seen) {
+  WriteLog(seen);
+  if (seen.direction != NSdk::kCanTransmitted) return;
+  ++mTally.framesSent;
+  mStatus.Clear();
+  mReport->Sent(seen);
+  ShowStatus();
+  if (mReport->IsUnread()) mHost.Loop().Stop();
+}
+
+void Player::OnTrouble(std::uint32_t channel, const std::string& text) {
+  AddError("CAN channel " + std::to_string(channel) + ": " + text);
+}
+
+void Player::OnItemSent(NSdk::GeneratorList list, std::uint32_t) {
+  if (list == NSdk::kSequenceList) ++mTally.itemsSent;
+}
+
+void Player::OnItemFailed(NSdk::GeneratorList list, std::uint32_t position) {
+  mFailedItem = mGenerator.DescribeItem(list, position);
+}
+
+void Player::OnModuleMessage(const std::string& text) {
+  AddError(text);
+  EndWhenIdle();
+}
+
+void Player::WriteLog(const NRuntime::SeenFrame& seen) {
+  if (!mLog) return;
+  try {
+    mLog->Write(mStart_utc + seen.time, seen.channel, seen.frame);
+  } catch (const std::runtime_error& error) {
+    mLog.reset();
+    AddError(error.what());
+    mHost.Loop().Stop();
+  }
+}
+
+// The module's message says that an item failed, but not which one.
+void Player::AddError(const std::string& text) {
+  const std::string item = std::exchange(mFailedItem, {});
+  const std::string line = OneLine(text) + (item.empty() ? "" : " (" + item + ")");
+  mTally.errors.push_back(line);
+  Remark(line);
+}
+
+void Player::Remark(const std::string& text) {
+  mStatus.Clear();
+  Complain(text);
+}
+
+void Player::ShowStatus() {
+  if (!mStatus.IsShown()) return;
+  const auto tenths =
+      std::chrono::duration_cast<std::chrono::milliseconds>(mHost.Measurement().Elapsed()) / 100;
+  const std::string seconds = std::to_string(tenths.count() / 10) + '.' + std::to_string(tenths.count() % 10);
+  mStatus.Show(ProgressText(mTally) + ", " + seconds + " s");
+}
+
+}  // namespace
+
+ExitStatus Play(const PlayOptions& options) { return Player(options).Run(); }
+
+}  // namespace NBench

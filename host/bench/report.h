@@ -1,0 +1,40 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/runtime/can_message.h"
+#include "host/runtime/loop.h"
+
+namespace NBench {
+
+/// What a run has come to so far.
+struct Tally {
+  std::uint32_t itemsSent = 0;    ///< of the sequence
+  std::uint32_t itemsToSend = 0;  ///< enabled items of the sequence
+  std::uint64_t framesSent = 0;
+  NRuntime::Time elapsed{};
+  std::vector<std::string> errors;  ///< one per message of the module or trouble with a bus or file
+};
+
+/// How a run is shown to the user.
+class Report {
+ public:
+  virtual ~Report() = default;
+  /// A frame has left.
+  virtual void Sent(const NRuntime::SeenFrame& frame) = 0;
+  virtual void Finish(const Tally& tally) = 0;
+  /// Nobody reads the report any more.
+  virtual bool IsUnread() const = 0;
+  /// Why the report is not whole; empty when it is, or when the reader has just left.
+  virtual std::string Fault() const = 0;
+};
+
+/// `3 of 10 items, 12 frames`: how far a run is.
+std::string ProgressText(const Tally& tally);
+
+std::unique_ptr<Report> MakeTextReport(bool withTimes);
+std::unique_ptr<Report> MakeJsonReport();
+
+}  // namespace NBench
