@@ -10,11 +10,12 @@ namespace NSdo {
 
 namespace {
 
-// Sub-indices of the record.
-constexpr std::uint8_t kHighestSubindex = 0;
-constexpr std::uint8_t kCobIdClientToServer = 1;
-constexpr std::uint8_t kCobIdServerToClient = 2;
-constexpr std::uint8_t kServerNode = 3;
+enum Subindex : std::uint8_t {
+  kHighestSubindex = 0,
+  kCobIdClientToServer = 1,
+  kCobIdServerToClient = 2,
+  kServerNode = 3,
+};
 
 SdoChannel* ChannelOf(SdoEngine& engine, std::uint8_t indexLow) {
   constexpr std::uint8_t kFirst = kClientParameterIndex & 0xFF;
