@@ -1,6 +1,9 @@
 #include "host/bench/generator_block.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fstream>
 #include <stdexcept>
 
 #include "host/runtime/text.h"
@@ -46,6 +49,10 @@ void CheckIsFile(const std::filesystem::path& path) {
   if (!std::filesystem::exists(status)) throw std::runtime_error(name + ": no such file");
   if (std::filesystem::is_directory(status)) throw std::runtime_error(name + ": a directory, not a file");
   if (!std::filesystem::is_regular_file(status)) throw std::runtime_error(name + ": not a regular file");
+  errno = 0;
+  if (!std::ifstream(path, std::ios::binary)) {
+    throw std::runtime_error(name + ": cannot be read: " + std::strerror(errno ? errno : EIO));
+  }
 }
 
 // A reason may span lines, the report of it does not.

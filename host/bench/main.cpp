@@ -11,6 +11,7 @@ int Run(const std::vector<std::string>& arguments) {
   if (command.play) return NBench::Play(*command.play);
   NBench::Output output;
   output.Write(command.text);
+  if (!output.Reason().empty()) NBench::Complain(output.Reason());
   return output.Failed() ? NBench::kFailed : NBench::kOk;
 }
 

@@ -17,27 +17,59 @@ constexpr std::uint32_t kLastChannel = 255;
 constexpr std::uint32_t kLongestDelay_ms = 100000;
 constexpr double kLongestRun_s = 1e8;
 
-constexpr char kPlayHelp[] =
-    "Plays a sequence file through the module's generator on a CAN bus.\n"
-    "\n"
-    "The run ends with the sequence. With --cyclic it goes on until the cyclic list has been stopped by the "
-    "sequence or "
-    "by Ctrl+C; with --for it lasts the time given, whatever is still to be sent.";
+constexpr char kHelp[] = R"(Reference host of the Ostrel module for the command line.
 
-constexpr char kExamples[] =
-    "Examples:\n"
-    "  ostrel-bench play first-steps.seq\n"
-    "      each item of the sequence once, every frame as it leaves\n"
-    "  ostrel-bench play first-steps.seq --cyclic --for 5 --log out.log\n"
-    "      5 seconds with the cyclic list, into a log for can-utils and other tools\n"
-    "  ostrel-bench play first-steps.seq --json > frames.json\n"
-    "      for a script\n";
+Usage: ostrel-bench COMMAND [OPTIONS]
 
-std::string StatusHelp() {
-  return "Exit status: 0 transmitted, 1 not everything was transmitted, 2 bad input, 130 stopped before the "
-         "end of "
-         "the sequence.\n";
-}
+Commands:
+  play FILE.seq   Play a sequence file on a CAN bus
+
+Options:
+  -h, --help      Print this help; behind a command, the help of that command
+  --version       Print the version
+
+Example:
+  ostrel-bench play first-steps.seq
+)";
+
+constexpr char kPlayHelp[] = R"(Plays a sequence file through the module's generator on a CAN bus.
+
+Usage: ostrel-bench play FILE.seq [OPTIONS]
+
+The run ends with the sequence. With --cyclic it goes on until Ctrl+C, or until
+the sequence has stopped the cyclic list. With --for it lasts the time given.
+
+What is sent, and how:
+  --can NUMBER=BUS   Put CAN channel NUMBER on a bus; may be given several times
+                     (default: 1=virtual)
+  --channel NUMBER   Channel on which the generator sends (default: the lowest)
+  --cyclic           Send the cyclic list too, from the beginning
+  --for SECONDS      Run for this long
+  --delay MS         Pause between two items, 1 to 100000 (default: 10)
+  --variant NAME     Kind of host to be, halvard or tesmond (default: halvard)
+  --module PATH      Module to load (default: Ostrel.hpi beside this program)
+
+What is shown:
+  --times            The time of each frame in front of it, in seconds
+  --json             One JSON document at the end, nothing else
+  --log OUT.log      Write the frames of all channels to a candump log; channel 1
+                     is called can1 there
+
+Buses:
+)";
+
+constexpr char kPlayFooter[] = R"(
+Exit status: 0 transmitted, 1 not everything was transmitted, 2 bad input,
+130 stopped by Ctrl+C before the end of the sequence.
+
+Examples:
+  ostrel-bench play first-steps.seq
+      Each item of the sequence once, every frame as it leaves.
+  ostrel-bench play first-steps.seq --cyclic --for 5 --log out.log
+      Five seconds with the cyclic list, into a log for can-utils.
+  ostrel-bench play first-steps.seq --json > frames.json
+      For a script.
+)";
 
 [[noreturn]] void Refuse(const std::string& option, const std::string& value, const std::string& wanted) {
   throw std::runtime_error(option + " " + (value.empty() ? "\"\"" : value) + ": " + wanted);
@@ -96,17 +128,18 @@ std::vector<ChannelOption> ParseChannels(const std::vector<std::string>& texts) 
 }
 
 // Without --channel the generator sends on the lowest channel that there is.
-std::uint32_t ChooseChannel(const std::string& text, const std::vector<ChannelOption>& channels) {
+std::uint32_t ChooseChannel(const std::optional<std::string>& text,
+                            const std::vector<ChannelOption>& channels) {
   std::string known;
   std::uint32_t lowest = channels.front().number;
-  const auto wanted = ParseNumber(text, 1, kLastChannel);
+  const auto wanted = text ? ParseNumber(*text, 1, kLastChannel) : std::nullopt;
   for (const ChannelOption& channel : channels) {
     if (wanted && channel.number == *wanted) return *wanted;
     lowest = std::min(lowest, channel.number);
     known += (known.empty() ? "" : ", ") + std::to_string(channel.number);
   }
-  if (!text.empty()) {
-    Refuse("--channel", text,
+  if (text) {
+    Refuse("--channel", *text,
            "there is no such CAN channel (" + std::string(channels.size() > 1 ? "channels: " : "channel: ") +
                known + ")");
   }
@@ -115,33 +148,26 @@ std::uint32_t ChooseChannel(const std::string& text, const std::vector<ChannelOp
 
 // The options as text, before anything is checked.
 struct Texts {
-  std::string sequence, channel, duration, delay = "10", log, variant = "halvard", module;
+  std::string sequence, delay = "10", variant = "halvard";
+  std::optional<std::string> channel, duration, log, module;
   std::vector<std::string> channels;
   bool cyclic = false, json = false, times = false;
 };
 
+// The help texts are written out above: the library's own have neither order nor line ends.
 CLI::App* AddPlay(CLI::App& app, Texts& texts) {
-  CLI::App* play = app.add_subcommand("play", "Play a sequence file on a CAN bus");
-  play->description(kPlayHelp);
-  play->footer("Buses:\n" + NBuses::DescribeBusKinds() + "\n" + kExamples + "\n" + StatusHelp());
-  play->add_option("FILE.seq", texts.sequence, "Sequence file")->required();
-  play->add_option("--can", texts.channels,
-                   "CAN channel NUMBER is on BUS; may be given several times (1=virtual)")
-      ->option_text("NUMBER=BUS")
-      ->allow_extra_args(false);
-  play->add_option("--channel", texts.channel, "Channel on which the generator sends (the lowest one)")
-      ->option_text("NUMBER");
-  play->add_flag("--cyclic", texts.cyclic, "Send the cyclic list as well, from the beginning");
-  play->add_option("--for", texts.duration, "How long to run")->option_text("SECONDS");
-  play->add_option("--delay", texts.delay, "Pause between two items of the sequence (10)")->option_text("MS");
-  play->add_option("--log", texts.log, "Write what is seen on all channels as a candump log")
-      ->option_text("OUT.log");
-  play->add_option("--variant", texts.variant, "Kind of host to be: halvard or tesmond (halvard)")
-      ->option_text("NAME");
-  play->add_option("--module", texts.module, "Module to load (the Ostrel.hpi beside this program)")
-      ->option_text("PATH");
-  play->add_flag("--json", texts.json, "One JSON document at the end instead of text");
-  play->add_flag("--times", texts.times, "Print the time of each frame, in seconds since the start");
+  CLI::App* play = app.add_subcommand("play");
+  play->add_option("FILE.seq", texts.sequence)->required();
+  play->add_option("--can", texts.channels)->allow_extra_args(false);
+  play->add_option("--channel", texts.channel);
+  play->add_flag("--cyclic", texts.cyclic);
+  play->add_option("--for", texts.duration);
+  play->add_option("--delay", texts.delay);
+  play->add_option("--log", texts.log);
+  play->add_option("--variant", texts.variant);
+  play->add_option("--module", texts.module);
+  play->add_flag("--json", texts.json);
+  play->add_flag("--times", texts.times);
   return play;
 }
 
@@ -160,9 +186,9 @@ PlayOptions Check(const Texts& texts) {
            "a number of milliseconds from " + Range(1, kLongestDelay_ms) + " is wanted");
   }
   options.delay_ms = *delay;
-  if (!texts.duration.empty()) options.duration = ParseSeconds(texts.duration);
-  if (!texts.log.empty()) options.log = NRuntime::ToPath(texts.log);
-  if (!texts.module.empty()) options.host.module = NRuntime::ToPath(texts.module);
+  if (texts.duration) options.duration = ParseSeconds(*texts.duration);
+  if (texts.log) options.log = NRuntime::ToPath(*texts.log);
+  if (texts.module) options.host.module = NRuntime::ToPath(*texts.module);
   return options;
 }
 
@@ -171,19 +197,22 @@ std::string FirstLine(const std::string& text) { return text.substr(0, text.find
 }  // namespace
 
 CommandLine ParseCommandLine(const std::vector<std::string>& arguments) {
-  CLI::App app("Reference host of the Ostrel module for the command line.", "ostrel-bench");
-  app.set_version_flag("--version", "ostrel-bench " OSTREL_VERSION, "Print the version");
-  app.set_help_flag("-h,--help", "Print this help");
+  CLI::App app("", "ostrel-bench");
+  app.set_version_flag("--version", "ostrel-bench " OSTREL_VERSION "\n");
   app.require_subcommand(0, 1);
-  app.footer(std::string(kExamples) + "\nostrel-bench COMMAND --help tells more about a command.");
   Texts texts;
   const CLI::App* play = AddPlay(app, texts);
   try {
     app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
   } catch (const CLI::CallForHelp&) {
-    return {std::nullopt, (play->parsed() ? play : &app)->help()};
+    return {std::nullopt, play->parsed() ? kPlayHelp + NBuses::DescribeBusKinds() + kPlayFooter : kHelp};
   } catch (const CLI::CallForVersion& version) {
-    return {std::nullopt, std::string(version.what()) + '\n'};
+    return {std::nullopt, version.what()};
+  } catch (const CLI::ArgumentMismatch& error) {
+    const std::string text = FirstLine(error.what());
+    const bool missing = text.find("missing") != std::string::npos;
+    throw std::runtime_error(missing ? text.substr(0, text.find(':')) + ": a value is wanted behind it"
+                                     : text);
   } catch (const CLI::ParseError& error) {
     throw std::runtime_error(FirstLine(error.what()));
   }

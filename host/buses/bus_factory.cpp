@@ -8,6 +8,8 @@
 namespace NBuses {
 namespace {
 
+constexpr std::size_t kMeaningColumn = 21;  // of the help text
+
 struct BusKind {
   std::string_view name;
   std::string_view form;  // for the help text
@@ -61,7 +63,9 @@ std::unique_ptr<NRuntime::CanAdapter> BusFactory::Make(std::string_view word) {
 std::string DescribeBusKinds() {
   std::string text;
   for (const BusKind& kind : Kinds()) {
-    text += "  " + std::string(kind.form) + "  " + std::string(kind.meaning) + "\n";
+    std::string form = "  " + std::string(kind.form);
+    form.resize(std::max(form.size() + 1, kMeaningColumn), ' ');
+    text += form + std::string(kind.meaning) + "\n";
   }
   return text;
 }
