@@ -9,6 +9,7 @@ cache=$root/.cache  # made once and kept; build/ may be wiped at any time
 #   test      the native tests: GoogleTest, a reader of the logs that are written, benchmarks, the format check
 #   windows   cross compiler, Wine (fonts apart: windows measure their text)
 #   source    unpack a Debian source package
+#   tidy      the static analysis that tools/check-style --tidy makes
 packages_of() {
   case $1 in
     build) echo g++ cmake ninja-build libxerces-c-dev libasio-dev libcli11-dev nlohmann-json3-dev libfmt-dev ;;
@@ -46,23 +47,12 @@ missing_packages() {
 
 # need GROUP...: installs what is missing of these groups; asks nothing of apt when all is there.
 need() {
-  local group wanted=() missing
-  for group in "$@"; do
-    read -ra wanted <<<"${wanted[*]-} $(packages_of "$group")"
-  done
-  mapfile -t missing < <(missing_packages "${wanted[@]}")
+  local group wanted missing
+  wanted=$(for group in "$@"; do packages_of "$group"; done)
+  mapfile -t missing < <(missing_packages $wanted)
   [ "${#missing[@]}" -eq 0 ] && return
   say "installing ${missing[*]}"
-  as_root env DEBIAN_FRONTEND=noninteractive apt-get -q update
+  as_root env DEBIAN_FRONTEND=noninteractive apt-get -q update ||
+    say "apt-get update failed; going on with the lists that are there"
   as_root env DEBIAN_FRONTEND=noninteractive apt-get -q install -y --no-install-recommends "${missing[@]}"
-}
-
-# configure PRESET: unless it stands. What CMake reads it follows by itself, except the presets.
-configure() {
-  local folder=$root/build/${1%-run}
-  local stamp=$folder/.configured-$1
-  if [ -e "$folder/build.ninja" ] && [ "$stamp" -nt "$root/CMakePresets.json" ]; then
-    return
-  fi
-  (cd "$root" && cmake --preset "$1") && touch "$stamp"
 }
