@@ -1,6 +1,7 @@
 #include "ig/generator.h"
 
 #include "canopen/flow_items.h"
+#include "canopen/message_items.h"
 #include "common/user_messages.h"
 #include "ig/item_sender.h"
 #include "ig/shared_state.h"
@@ -9,6 +10,8 @@
 
 namespace NIg {
 namespace {
+
+constexpr std::uint32_t kSdoPollPeriod_ms = 20;
 
 void ShowMessage(int text, NSdk::MessageIcon icon = NSdk::kMessageExclamation) {
   NCommon::ShowUserMessage(NResources::LoadText(text), icon);
@@ -38,11 +41,12 @@ HRESULT Generator::StartMeasurement(NSdk::IRuntime& runtime) {
   ReleaseTimers();
   const HRESULT output = runtime.GetCanOutput(mNumbers.channel, mOutput.Receive());
   if (FAILED(output)) return output;
-  for (auto* timer : {&mSequenceTimer, &mPauseTimer}) {
+  for (auto* timer : {&mSequenceTimer, &mSdoPollTimer, &mPauseTimer}) {
     const HRESULT result = runtime.CreateTimer(&mSink, timer->Receive());
     if (FAILED(result)) return result;
   }
   mRuntime = &runtime;
+  mSdo.SetOutput(mOutput.Get());
   mExecuteLabel = mWindow->Text(kControlExecute);
   mSequenceTimer->Start(mNumbers.serviceDelay, /*periodic=*/1);
   mWindow->EnableControl(kControlExecute, true);
@@ -57,6 +61,8 @@ void Generator::StopMeasurement() {
   // A sequence that was under way ends here: left as running, it would keep every other block from sending.
   if (mSequenceRunning) SetSequenceRunning(false);
   ReleaseTimers();
+  mSdo.End();
+  mSdo.SetOutput(nullptr);
   mOutput.Reset();
   mRuntime.Reset();
   mWindow->EnableControl(kControlStart, false);
@@ -69,7 +75,7 @@ void Generator::StopMeasurement() {
 }
 
 void Generator::ReleaseTimers() {
-  for (auto* timer : {&mSequenceTimer, &mPauseTimer}) {
+  for (auto* timer : {&mSequenceTimer, &mSdoPollTimer, &mPauseTimer}) {
     if (*timer) (*timer)->Stop();
     timer->Reset();
   }
@@ -116,13 +122,20 @@ void Generator::StartSequence() {
   mWindow->EnableControl(kControlSequenceList, false);
   mSequenceTimer->Stop();
   mSequenceTimer->Start(mNumbers.serviceDelay, /*periodic=*/1);
+  mSdo.Forget();
   mPauseOver = true;
   mSequenceIndex = 0;
 }
 
-// One item leaves per tick; the tick after the last one ends the sequence, so that a pause at its end is held
-// too.
+// One item leaves per tick; the tick after the last one ends the sequence, so that a transfer or a pause at
+// its end is held too. How a transfer ended is not looked at: the sequence goes on.
 void Generator::SequenceTick() {
+  if (mSdo.IsRunning()) {
+    if (!mSdo.HasEnded()) return;
+    mSdo.End();
+    mSdoPollTimer->Stop();
+    return;
+  }
   if (!mPauseOver || !mSequenceRunning) return;
   if (mSequenceIndex < mSequenceSnapshot.size()) {
     const SnapshotEntry entry = mSequenceSnapshot[mSequenceIndex];
@@ -185,6 +198,7 @@ void Generator::BeginCyclic() {
 void Generator::EndCyclic() {
   if (!mCyclicRunning) return;
   mCyclicTimers.Stop();
+  mSdo.Close();
   mCyclicRunning = false;
   Shared().cyclicRunning = false;
   ShowCyclicIdle();
@@ -226,6 +240,8 @@ void Generator::OnTimer(NSdk::ITimer* timer) {
   }
   if (timer == mSequenceTimer.Get()) {
     SequenceTick();
+  } else if (timer == mSdoPollTimer.Get()) {
+    mSdo.Tick();
   } else if (timer == mPauseTimer.Get()) {
     mPauseTimer->Stop();
     mPauseOver = true;
@@ -243,7 +259,15 @@ bool Generator::SendItem(NCanopen::ZMsgItemInfo& item) {
     SwitchCyclic(state->record.start != 0);
     return true;
   }
+  if (auto* sdo = dynamic_cast<NCanopen::ZSDOItemInfo*>(&item)) return StartSdo(sdo->record);
   return SendFrameItem(item, *mOutput, mDataFolder);
+}
+
+bool Generator::StartSdo(NCanopen::SdoRecord& record) {
+  if (!mSdo.Start(record, mNumbers, mDataFolder)) return false;
+  mSdoPollTimer->Stop();
+  mSdoPollTimer->Start(kSdoPollPeriod_ms, /*periodic=*/1);
+  return true;
 }
 
 void Generator::StartPause(std::uint32_t length_ms) {

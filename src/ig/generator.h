@@ -10,6 +10,7 @@
 #include "ig/cyclic_transmission.h"
 #include "ig/generator_window.h"
 
+#include "ig/sdo_transfer.h"
 #include "ig/settings.h"
 #include "ig/snapshot.h"
 #include "sdk/generator.h"
@@ -44,6 +45,8 @@ class Generator {
   bool IsMeasuring() const { return static_cast<bool>(mRuntime); }
 
   void OnTimer(NSdk::ITimer* timer);
+  /// A frame that was received on the block's channel.
+  void OnFrame(const NSdk::CanFrame& frame) { mSdo.Feed(frame); }
 
   /// The button "Execute": starts the sequence, or lets the next tick end it.
   void ToggleSequence();
@@ -84,6 +87,7 @@ class Generator {
 
   // Sending
   bool SendItem(NCanopen::ZMsgItemInfo& item);
+  bool StartSdo(NCanopen::SdoRecord& record);
   void StartPause(std::uint32_t length_ms);
   void SwitchCyclic(bool start);
 
@@ -100,7 +104,9 @@ class Generator {
   NCom::ComPtr<NSdk::IRuntime> mRuntime;
   NCom::ComPtr<NSdk::ICANOutput> mOutput;
   NCom::ComPtr<NSdk::ITimer> mSequenceTimer;
+  NCom::ComPtr<NSdk::ITimer> mSdoPollTimer;
   NCom::ComPtr<NSdk::ITimer> mPauseTimer;
+  SdoTransfer mSdo;
   CyclicTransmission mCyclicTimers;
 
   Snapshot mSequenceSnapshot;

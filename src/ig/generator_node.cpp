@@ -3,6 +3,8 @@
 #include <fmt/printf.h>
 #include <fmt/xchar.h>
 
+#include <algorithm>
+
 #include "com/entry.h"
 #include "com/task_text.h"
 #include "common/host_application.h"
@@ -13,6 +15,23 @@
 #include "sdk/class_ids.h"
 
 namespace NIg {
+namespace {
+
+/// False: a field cannot be read.
+bool ReadFrame(NSdk::ICANMessage& message, NSdk::CanFrame& frame) {
+  std::uint32_t size = 0;
+  std::uint32_t remote = 0;
+  std::uint32_t extended = 0;
+  if (FAILED(message.GetIdentifier(&frame.identifier)) || FAILED(message.GetDataLength(&size)) ||
+      FAILED(message.GetRemote(&remote)) || FAILED(message.GetExtended(&extended))) {
+    return false;
+  }
+  size = std::min<std::uint32_t>(size, sizeof(frame.data));
+  frame.flags = size | (remote ? NSdk::kFrameRemote : 0) | (extended ? NSdk::kFrameExtended : 0);
+  return remote || SUCCEEDED(message.CopyData(0, frame.data, size));
+}
+
+}  // namespace
 
 ZCANopenIGNode::ZCANopenIGNode() : mGenerator(*this, *this) {
   mSettings.name = NResources::LoadText(IDS_IG_BLOCK_NAME);
@@ -73,7 +92,7 @@ HRESULT ZCANopenIGNode::GetCaption(wchar_t** caption) {
 HRESULT ZCANopenIGNode::GetEvents(std::uint32_t* events) {
   NCom::ModuleScope scope;
   if (!events) return E_POINTER;
-  *events = 0;
+  *events = NSdk::kBlockTakesCan;
   return S_OK;
 }
 
@@ -96,6 +115,19 @@ HRESULT ZCANopenIGNode::StartMeasurement(NSdk::IRuntime* runtime) {
 HRESULT ZCANopenIGNode::StopMeasurement() {
   return ActivityEntry([&]() -> HRESULT {
     mGenerator.StopMeasurement();
+    return S_OK;
+  });
+}
+
+// Frames of other channels are not for this block: every network may have an SDO server of the same
+// identifiers.
+HRESULT ZCANopenIGNode::OnCanMessage(NSdk::ICANMessage* message) {
+  return NCom::Entry([&]() -> HRESULT {
+    if (!message) return E_POINTER;
+    NSdk::CanFrame frame;
+    std::uint32_t channel = 0;
+    if (FAILED(message->GetChannel(&channel)) || !ReadFrame(*message, frame)) return E_FAIL;
+    if (channel == mGenerator.Numbers().channel) mGenerator.OnFrame(frame);
     return S_OK;
   });
 }

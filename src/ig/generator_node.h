@@ -14,7 +14,7 @@ namespace NIg {
 
 using GeneratorInterfaces =
     NCom::Implements<NSdk::IPlugInBlock, NSdk::IMSFinalNode, NSdk::IMSTransferNode, NSdk::IRTClient,
-                     NSdk::ITimerSink, NSdk::IPersistentObject, NSdk::IGenerator>;
+                     NSdk::ICANEvents, NSdk::ITimerSink, NSdk::IPersistentObject, NSdk::IGenerator>;
 
 /// ProgID "HarlowPlugIn.CANopenIG": composes CANopen messages and sends them on one CAN channel.
 class ZCANopenIGNode final : public GeneratorInterfaces, private TransmissionObserver {
@@ -32,9 +32,10 @@ class ZCANopenIGNode final : public GeneratorInterfaces, private TransmissionObs
   HRESULT STDMETHODCALLTYPE GetEvents(std::uint32_t* events) override;
   HRESULT STDMETHODCALLTYPE Passes(std::uint32_t event) override;
 
-  // IRTClient, ITimerSink
+  // IRTClient, ICANEvents, ITimerSink
   HRESULT STDMETHODCALLTYPE StartMeasurement(NSdk::IRuntime* runtime) override;
   HRESULT STDMETHODCALLTYPE StopMeasurement() override;
+  HRESULT STDMETHODCALLTYPE OnCanMessage(NSdk::ICANMessage* message) override;
   HRESULT STDMETHODCALLTYPE OnTimer(NSdk::ITimer* timer) override;
 
   // IPersistentObject

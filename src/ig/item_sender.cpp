@@ -1,27 +1,28 @@
 #include "ig/item_sender.h"
 
 #include <optional>
-#include <vector>
 
 #include "canopen/frames.h"
 #include "canopen/message_items.h"
 #include "editors/typed_data.h"
 
 namespace NIg {
-namespace {
 
-// A text without a type is a byte array from now on, so that the list shows what is sent.
-void NameType(std::string& text) {
+bool EncodeData(std::string& text, std::uint32_t size, const std::filesystem::path& dataFolder,
+                std::vector<std::uint8_t>& bytes) {
+  // From now on, so that the list shows what is sent.
   if (NEditors::GetDataType(text) == NEditors::kDataUntyped) {
     NEditors::AddDataPrefix(text, NEditors::kDataByteArray);
   }
+  return NEditors::ParseTypedData(text, bytes, size, dataFolder);
 }
+
+namespace {
 
 std::optional<NSdk::CanFrame> EncodePdo(NCanopen::PdoRecord& record,
                                         const std::filesystem::path& dataFolder) {
-  NameType(record.data);
   std::vector<std::uint8_t> bytes;
-  if (!NEditors::ParseTypedData(record.data, bytes, record.dlc, dataFolder)) return std::nullopt;
+  if (!EncodeData(record.data, record.dlc, dataFolder, bytes)) return std::nullopt;
   return NCanopen::PdoFrame(record.cobId, bytes);
 }
 

@@ -349,4 +349,88 @@ TEST_F(GeneratorTest, WhoHearsOfAnItemMayStopTheMeasurement) {
   EXPECT_EQ(block.Activity(), 0u);
 }
 
+// A server's answer, as the host delivers it.
+NSdk::CanFrame Answer(std::initializer_list<std::uint8_t> bytes, std::uint32_t identifier = 0x581) {
+  NSdk::CanFrame frame;
+  frame.identifier = identifier;
+  std::copy(bytes.begin(), bytes.end(), frame.data);
+  frame.flags = 8;
+  return frame;
+}
+
+TEST_F(GeneratorTest, AnSdoTransferHoldsTheSequenceUntilItsAnswer) {
+  auto& upload = first->Add<ZSDOItemInfo>(kSequenceList).record;
+  upload.upload = 1;
+  upload.index = 0x1018;
+  upload.subIndex = 4;
+  auto& download = first->Add<ZSDOItemInfo>(kSequenceList).record;
+  download.data = "E803";
+  download.objectSize = 2;
+  download.index = 0x1017;
+  first->Add<ZSyncItemInfo>(kSequenceList);
+  block.ToggleSequence();
+  host->RunFor(100);
+  EXPECT_THAT(host->TakeSent(), ElementsAre("10: 601 [8] 40 18 10 04 00 00 00 00"));
+  block.OnFrame(Answer({0x43, 0x18, 0x10, 0x04, 1, 2, 3, 4}, 0x582));
+  host->RunFor(100);
+  EXPECT_THAT(host->TakeSent(), IsEmpty()) << "another server has answered";
+  block.OnFrame(Answer({0x43, 0x18, 0x10, 0x04, 1, 2, 3, 4}));
+  host->RunFor(20);
+  EXPECT_THAT(host->TakeSent(), ElementsAre("220: 601 [8] 2B 17 10 00 E8 03 00 00"));
+  EXPECT_EQ(download.data, "bytearr:E803");
+  block.OnFrame(Answer({0x80, 0x17, 0x10, 0, 0, 0, 2, 6}));
+  host->RunFor(20);
+  EXPECT_THAT(host->TakeSent(), ElementsAre("240: 80 [0]")) << "an abort does not end the sequence";
+  EXPECT_THAT(Messages(), IsEmpty());
+}
+
+TEST_F(GeneratorTest, AnSdoWithoutAnswerEndsWithItsTimeOut) {
+  first->generator.Numbers().sdoTimeout = 100000;  // longer than the engine can count
+  first->Add<ZSDOItemInfo>(kSequenceList).record.upload = 1;
+  first->Add<ZSyncItemInfo>(kSequenceList);
+  block.ToggleSequence();
+  host->RunFor(65000);
+  EXPECT_THAT(host->TakeSent(), SizeIs(1));
+  host->RunFor(1000);
+  EXPECT_THAT(host->TakeSent(),
+              ElementsAre(HasSubstr("601 [8] 80 00 10 00 00 00 04 05"), HasSubstr("80 [0]")));
+  host->RunFor(1000);
+  EXPECT_EQ(block.Activity(), 0u);
+}
+
+TEST_F(GeneratorTest, AnSdoThatCannotRunNeverHangsTheSequence) {
+  first->Add<ZSDOItemInfo>(kSequenceList).record.nodeId = 0;  // the engine takes no such server
+  first->Add<ZSyncItemInfo>(kSequenceList);
+  block.ToggleSequence();
+  host->RunFor(40);
+  EXPECT_THAT(host->TakeSent(), ElementsAre("30: 80 [0]"));
+  host->RunFor(100);
+
+  // Closed under the sequence, as the end of cyclic transmission does it.
+  first->generator.List(kSequenceList)[0]->SetEnabled(0);
+  first->Add<ZSDOItemInfo>(kSequenceList).record.upload = 1;
+  first->Add<ZNMTItemInfo>(kSequenceList);
+  first->AddCyclicSync(100000, 100000);
+  block.ToggleCyclic();
+  block.ToggleSequence();
+  host->RunFor(50);
+  host->TakeSent();
+  block.ToggleCyclic();
+  host->RunFor(50);
+  EXPECT_THAT(host->TakeSent(), ElementsAre(HasSubstr(": 0 [2] 01 01")));
+  EXPECT_EQ(block.Activity(), 0u);
+  EXPECT_THAT(Messages(), IsEmpty());
+}
+
+TEST_F(GeneratorTest, AnSdoWhoseDataCannotBeEncodedFails) {
+  auto& download = first->Add<ZSDOItemInfo>(kSequenceList).record;
+  download.data = "float:1.5";
+  download.objectSize = 5;
+  block.ToggleSequence();
+  host->RunFor(50);
+  EXPECT_THAT(Messages(), SizeIs(1));
+  EXPECT_THAT(host->TakeSent(), IsEmpty());
+  EXPECT_EQ(block.Activity(), 0u);
+}
+
 }  // namespace
