@@ -1,0 +1,108 @@
+#include <gmock/gmock.h>
+
+#include <algorithm>
+
+#include "tests/bench/program.h"
+
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+const std::string kGoodFile = "\"" OSTREL_SOURCE_DIR "/examples/first-steps.seq\" ";
+
+class BadInput : public testing::Test {
+ protected:
+  void SetUp() override {
+    std::filesystem::create_directories(folder / "folder");
+    NTest::WriteFile(folder / "broken.seq", "<CANopenIG><Sequence>");
+    NTest::WriteFile(folder / "empty.seq", "");
+    NTest::WriteFile(folder / "text.hpi", std::string(5000, 'x'));
+  }
+  void TearDown() override { std::filesystem::remove_all(folder); }
+
+  std::string In(const std::string& name) const { return "\"" + (folder / name).string() + "\" "; }
+
+  // One line on standard error that names what is at fault, nothing else anywhere.
+  void Expect(const std::string& arguments, const std::string& named) {
+    SCOPED_TRACE(arguments);
+    const NTest::Outcome outcome = NTest::RunBench(arguments, folder);
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_THAT(outcome.errors, StartsWith("ostrel-bench: "));
+    EXPECT_THAT(outcome.errors, HasSubstr(named));
+    EXPECT_EQ(std::count(outcome.errors.begin(), outcome.errors.end(), '\n'), 1) << outcome.errors;
+    EXPECT_FALSE(std::filesystem::exists(folder / "new.log"));
+  }
+
+  const std::filesystem::path folder =
+      std::filesystem::temp_directory_path() /
+      (std::string("ostrel-bench-") + testing::UnitTest::GetInstance()->current_test_info()->name());
+};
+
+TEST_F(BadInput, OnTheCommandLine) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"--can 1=serial", "unknown kind \"serial\""},
+      {"--can 1=virtual,bitrate=125000", "\"bitrate\""},
+      {"--can 0=virtual", "--can 0=virtual"},
+      {"--can virtual", "--can virtual"},
+      {"--can 1=virtual --can 1=virtual", "channel 1 is given twice"},
+      {"--channel 2", "--channel 2"},
+      {"--can 3=virtual --channel 1", "(channel: 3)"},
+      {"--channel one", "--channel one"},
+      {"--for soon", "--for soon"},
+      {"--for -1", "--for -1"},
+      {"--for 0", "--for 0"},
+      {"--for nan", "--for nan"},
+      {"--for inf", "--for inf"},
+      {"--for 5s", "--for 5s"},
+      {"--for", "--for"},
+      {"--delay 0", "--delay 0"},
+      {"--delay 100001", "--delay 100001"},
+      {"--delay 4294967297", "--delay 4294967297"},
+      {"--variant other", "--variant other"},
+      {"--frob", "--frob"},
+      {"second.seq", "second.seq"},
+  };
+  for (const auto& [options, named] : cases) {
+    Expect("play " + kGoodFile + "--log " + In("new.log") + options, named);
+  }
+  Expect("", "--help");
+  Expect("sing", "sing");
+  Expect("play", "FILE.seq");
+}
+
+TEST_F(BadInput, InFiles) {
+  const std::string log = "--log " + In("new.log");
+  Expect("play " + In("none.seq") + log, "none.seq: no such file");
+  Expect("play " + In("folder") + log, "folder: a directory");
+  Expect("play " + In("broken.seq") + log, "broken.seq: ");
+  Expect("play " + In("empty.seq") + log, "empty.seq: ");
+  Expect("play " + kGoodFile + "--log " + In("missing/new.log"), "new.log: cannot be created");
+  Expect("play " + kGoodFile + "--log " + In("folder"), "folder: cannot be created");
+}
+
+TEST_F(BadInput, ALogNeverReplacesTheFileThatIsPlayed) {
+  NTest::WriteFile(folder / "mine.seq", NTest::ReadFile(OSTREL_SOURCE_DIR "/examples/first-steps.seq"));
+  const std::string before = NTest::ReadFile(folder / "mine.seq");
+  Expect("play " + In("mine.seq") + "--log " + In("mine.seq"), "mine.seq");
+  EXPECT_EQ(NTest::ReadFile(folder / "mine.seq"), before);
+}
+
+TEST_F(BadInput, InModules) {
+  const std::pair<std::string, const char*> cases[] = {
+      {In("none.hpi"), "none.hpi: no such module"},
+      {In("folder"), "a directory"},
+      {In("text.hpi"), "text.hpi: not a module"},
+      {"\"" FAULTY_MODULE_1 "\"", "does not export DllCanUnloadNow"},
+      {"\"" FAULTY_MODULE_2 "\"", "has no class \"HarlowPlugIn.PlugIn\""},
+      {"\"" FAULTY_MODULE_3 "\"", "has no factory for \"HarlowPlugIn.PlugIn\""},
+      {"\"" FAULTY_MODULE_4 "\"", "is not a plug-in object"},
+      {"\"" FAULTY_MODULE_5 "\"", "is not a generator"},
+  };
+  for (const auto& [module, named] : cases) {
+    Expect("play " + kGoodFile + "--module " + module + " --log " + In("new.log"), named);
+  }
+}
+
+}  // namespace

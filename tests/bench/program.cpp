@@ -1,0 +1,27 @@
+#include "tests/bench/program.h"
+
+#include <fstream>
+
+namespace NTest {
+
+std::string ReadFile(const std::filesystem::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+void WriteFile(const std::filesystem::path& path, const std::string& content) {
+  std::ofstream(path, std::ios::binary) << content;
+}
+
+Outcome RunBench(const std::string& arguments, const std::filesystem::path& folder) {
+  const auto output = folder / "output.txt", errors = folder / "errors.txt";
+  const std::string command = "\"" OSTREL_BENCH_PROGRAM "\" " + arguments + " > \"" + output.string() +
+                              "\" 2> \"" + errors.string() + "\"";
+  const int status = RunShell(command);
+  const Outcome outcome = {status, ReadFile(output), ReadFile(errors)};
+  std::filesystem::remove(output);
+  std::filesystem::remove(errors);
+  return outcome;
+}
+
+}  // namespace NTest

@@ -1,0 +1,25 @@
+#pragma once
+// Runs a program as a user would and looks at what it leaves.
+
+#include <filesystem>
+#include <string>
+
+namespace NTest {
+
+struct Outcome {
+  int status = -1;
+  std::string output;
+  std::string errors;
+};
+
+/// Runs ostrel-bench with arguments written as on a command line. `folder` keeps what it prints.
+Outcome RunBench(const std::string& arguments, const std::filesystem::path& folder);
+
+std::string ReadFile(const std::filesystem::path& path);
+void WriteFile(const std::filesystem::path& path, const std::string& content);
+
+/// A command for std::system, and the status that it gives for what a program has returned; once per
+/// platform.
+int RunShell(const std::string& command);
+
+}  // namespace NTest
