@@ -51,6 +51,7 @@ What is sent, and how:
 
 What is shown:
   --times            The time of each frame in front of it, in seconds
+  --words            What each frame means in CANopen behind it
   --json             One JSON document at the end, nothing else
   --log OUT.log      Write the frames of all channels to a candump log; channel 1
                      is called can1 there
@@ -151,7 +152,7 @@ struct Texts {
   std::string sequence, delay = "10", variant = "halvard";
   std::optional<std::string> channel, duration, log, module;
   std::vector<std::string> channels;
-  bool cyclic = false, json = false, times = false;
+  bool cyclic = false, json = false, times = false, words = false;
 };
 
 // The help texts are written out above: the library's own have neither order nor line ends.
@@ -168,6 +169,7 @@ CLI::App* AddPlay(CLI::App& app, Texts& texts) {
   play->add_option("--module", texts.module);
   play->add_flag("--json", texts.json);
   play->add_flag("--times", texts.times);
+  play->add_flag("--words", texts.words);
   return play;
 }
 
@@ -178,7 +180,7 @@ PlayOptions Check(const Texts& texts) {
   options.channel = ChooseChannel(texts.channel, options.host.channels);
   options.cyclic = texts.cyclic;
   options.json = texts.json;
-  options.times = texts.times;
+  options.view = {texts.times, texts.words};
   options.host.variant = ParseVariant(texts.variant);
   const auto delay = ParseNumber(texts.delay, 1, kLongestDelay_ms);
   if (!delay) {

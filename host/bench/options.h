@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "host/bench/host.h"
+#include "host/bench/report.h"
 
 namespace NBench {
 
@@ -29,7 +30,7 @@ struct PlayOptions {
   std::uint32_t delay_ms = 10;
   std::optional<std::filesystem::path> log;
   bool json = false;
-  bool times = false;
+  FrameView view;
 };
 
 struct CommandLine {

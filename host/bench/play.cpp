@@ -75,7 +75,7 @@ Player::Player(const PlayOptions& options)
     : mOptions(options),
       mHost(options.host, *this, [this](const std::string& text) { OnModuleMessage(text); }),
       mGenerator(mHost.Module(), mHost.Application(), GeneratorSettings(options), *this),
-      mReport(options.json ? MakeJsonReport() : MakeTextReport(options.times)) {
+      mReport(options.json ? MakeJsonReport() : MakeTextReport(options.view)) {
   mGenerator.LoadSequence(options.sequence);
   mTally.itemsToSend = mGenerator.CountEnabled(NSdk::kSequenceList);
 }

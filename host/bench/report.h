@@ -18,6 +18,12 @@ struct Tally {
   std::vector<std::string> errors;  ///< one per message of the module or trouble with a bus or file
 };
 
+/// What stands beside a frame on the screen.
+struct FrameView {
+  bool times = false;  ///< in front: seconds since the start
+  bool words = false;  ///< behind: what it means in CANopen
+};
+
 /// How a run is shown to the user.
 class Report {
  public:
@@ -34,7 +40,7 @@ class Report {
 /// `3 of 10 items, 12 frames`: how far a run is.
 std::string ProgressText(const Tally& tally);
 
-std::unique_ptr<Report> MakeTextReport(bool withTimes);
+std::unique_ptr<Report> MakeTextReport(const FrameView& view);
 std::unique_ptr<Report> MakeJsonReport();
 
 }  // namespace NBench

@@ -1,6 +1,8 @@
+#include <algorithm>
 #include <cstdio>
 
 #include "host/bench/console.h"
+#include "host/bench/frame_words.h"
 #include "host/bench/report.h"
 #include "host/buses/candump.h"
 
@@ -17,14 +19,26 @@ std::string Seconds(NRuntime::Time time) {
   return text;
 }
 
+// Behind the longest frame with an 11-bit identifier, so that the words stand in a column.
+constexpr std::size_t kWordsColumn = 48;
+
+std::string WithWords(std::string line, const NSdk::CanFrame& frame) {
+  const std::string words = FrameInWords(frame);
+  if (words.empty()) return line;
+  line.resize(std::max(line.size() + 2, kWordsColumn), ' ');
+  return line + words;
+}
+
 // Every frame as it leaves, one line at the end.
 class TextReport final : public Report {
  public:
-  explicit TextReport(bool withTimes) : mWithTimes(withTimes) {}
+  explicit TextReport(const FrameView& view) : mView(view) {}
 
   void Sent(const NRuntime::SeenFrame& seen) override {
-    const std::string time = mWithTimes ? NBuses::ConsoleTime(seen.time) : std::string();
-    mOutput.Write(time + NBuses::ConsoleLine(seen.channel, seen.frame) + '\n');
+    const std::string time = mView.times ? NBuses::ConsoleTime(seen.time) : std::string();
+    std::string line = NBuses::ConsoleLine(seen.channel, seen.frame);
+    if (mView.words) line = WithWords(std::move(line), seen.frame);
+    mOutput.Write(time + line + '\n');
   }
 
   void Finish(const Tally& tally) override {
@@ -37,7 +51,7 @@ class TextReport final : public Report {
   std::string Fault() const override { return mOutput.Reason(); }
 
  private:
-  bool mWithTimes;
+  FrameView mView;
   Output mOutput;
 };
 
@@ -49,6 +63,6 @@ std::string ProgressText(const Tally& tally) {
   return sent + Count(tally.itemsToSend, "item", "items") + ", " + Count(tally.framesSent, "frame", "frames");
 }
 
-std::unique_ptr<Report> MakeTextReport(bool withTimes) { return std::make_unique<TextReport>(withTimes); }
+std::unique_ptr<Report> MakeTextReport(const FrameView& view) { return std::make_unique<TextReport>(view); }
 
 }  // namespace NBench
