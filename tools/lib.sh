@@ -52,7 +52,8 @@ need() {
   mapfile -t missing < <(missing_packages $wanted)
   [ "${#missing[@]}" -eq 0 ] && return
   say "installing ${missing[*]}"
-  as_root env DEBIAN_FRONTEND=noninteractive apt-get -q update ||
+  as_root env DEBIAN_FRONTEND=noninteractive apt-get -qq update ||
     say "apt-get update failed; going on with the lists that are there"
-  as_root env DEBIAN_FRONTEND=noninteractive apt-get -q install -y --no-install-recommends "${missing[@]}"
+  as_root env DEBIAN_FRONTEND=noninteractive apt-get -qq install -y --no-install-recommends "${missing[@]}" \
+    >/dev/null
 }
