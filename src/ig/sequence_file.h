@@ -8,6 +8,7 @@
 // Which attributes a kind has stands in the field tables of canopen/item_kinds.cpp. The XML library writes
 // them sorted by name; their order means nothing.
 
+#include <cstdint>
 #include <filesystem>
 #include <string>
 

@@ -93,9 +93,8 @@ class DocumentWriter {
     bool exact = true;
     XmlText text = DataForFile(field.text(item), &exact);
     if (!exact) {
-      mFault =
-          fmt::sprintf("the %s of a %s item holds characters that a sequence file cannot; they became \"?\"",
-                       field.key, item.GetTypeName());
+      mFault = fmt::sprintf("%s item: characters of \"%s\" that a sequence file cannot hold became \"?\"",
+                            item.GetTypeName(), field.key);
     }
     return text;
   }

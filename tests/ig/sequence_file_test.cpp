@@ -42,7 +42,7 @@ class SequenceFile : public testing::Test {
                 (std::string("ostrel-") + testing::UnitTest::GetInstance()->current_test_info()->name())) {
     fs::remove_all(mFolder);
     fs::create_directories(mFolder);
-    mPath = mFolder / "lists.seq";
+    mPath = mFolder / u8"Pr\u00FCfung 1.seq";
   }
   ~SequenceFile() override { fs::remove_all(mFolder); }
 
@@ -302,7 +302,7 @@ TEST_F(SequenceFile, KeepsTheBytesOfAnyString) {
 TEST_F(SequenceFile, TellsWhichTextItHadToChange) {
   Append<NCanopen::ZSDOItemInfo>(mSequence, [](auto& r) { r.data = "file:a\x01.bin"; });
   ASSERT_EQ(Save(), 1);
-  EXPECT_THAT(mFault, HasSubstr("Data of a SDO item"));
+  EXPECT_THAT(mFault, HasSubstr("SDO"));
   mSequence.clear();
   ASSERT_EQ(Load(), 1) << mFault;
   EXPECT_EQ(dynamic_cast<NCanopen::ZSDOItemInfo&>(*mSequence[0]).record.data, "file:a?.bin");
