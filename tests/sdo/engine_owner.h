@@ -1,0 +1,59 @@
+#pragma once
+// What the tests of the SDO engine share: an owner who records what the engine says, and scripts of frames.
+
+#include <gtest/gtest.h>
+
+#include <deque>
+#include <initializer_list>
+#include <optional>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "sdo/engine/client.h"
+
+namespace NSdoTest {
+
+using Bytes = std::vector<std::uint8_t>;
+
+inline constexpr std::uint32_t kResponseCobId = 0x585;
+inline constexpr std::uint32_t kRequestCobId = 0x605;
+
+enum Direction { TX, RX };
+
+/// One frame of a script, as a trace shows it: "40 17 10 00". Bytes that are left out are 0.
+struct Line {
+  Direction direction;
+  const char* bytes;
+};
+
+NSdo::SdoFrame Frame(std::uint32_t cobId, const std::string& bytes);
+std::string Text(const NSdo::SdoFrame& frame);
+/// 1, 2, 3, ...
+Bytes Counting(std::size_t size);
+
+enum class Kind { Upload, Download, BlockUpload, BlockDownload };
+
+/// Owns an open engine and starts transfers of object 2000h sub 1 from node 5.
+struct Owner {
+  explicit Owner(std::uint8_t blockSize = 4);
+
+  /// An upload's buffer is `size` bytes long and filled with EEh, a download's holds 1, 2, 3, ...
+  void Start(Kind kind, std::uint32_t size, std::uint16_t timeoutMs = 0);
+  void Feed(const std::string& bytes);
+  void Ticks(int count);
+  /// Feeds RX lines, expects TX lines, and expects that nothing else was sent.
+  void Play(std::initializer_list<Line> script);
+  void Play(const std::vector<Line>& script);
+  void ExpectSent(const std::string& bytes);
+  void ExpectAbort(std::uint32_t code);
+  std::uint32_t AbortCode() const { return NSdo::SdoResultOf(engine).abortCode; }
+
+  Bytes buffer;
+  std::deque<NSdo::SdoFrame> sent;
+  bool keep = false;  ///< the bus takes nothing
+  int completions = 0;
+  NSdo::SdoEngine engine;
+};
+
+}  // namespace NSdoTest
