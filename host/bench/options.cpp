@@ -7,6 +7,7 @@
 #include <cmath>
 #include <stdexcept>
 
+#include "host/bench/console.h"
 #include "host/buses/bus_factory.h"
 #include "host/runtime/text.h"
 
@@ -50,6 +51,9 @@ What is sent, and how:
   --module PATH      Module to load (default: Ostrel.hpi beside this program)
 
 What is shown:
+  --frames           The frames on the bus
+  --transfers        SDO transfers in words. Without either, a terminal shows both
+                     and everything else the frames
   --times            The time of each frame in front of it, in seconds
   --words            What each frame means in CANopen behind it
   --json             One JSON document at the end, nothing else
@@ -153,6 +157,7 @@ struct Texts {
   std::optional<std::string> channel, duration, log, module;
   std::vector<std::string> channels;
   bool cyclic = false, json = false, times = false, words = false;
+  bool frames = false, transfers = false;
 };
 
 // The help texts are written out above: the library's own have neither order nor line ends.
@@ -168,6 +173,8 @@ CLI::App* AddPlay(CLI::App& app, Texts& texts) {
   play->add_option("--variant", texts.variant);
   play->add_option("--module", texts.module);
   play->add_flag("--json", texts.json);
+  play->add_flag("--frames", texts.frames);
+  play->add_flag("--transfers", texts.transfers);
   play->add_flag("--times", texts.times);
   play->add_flag("--words", texts.words);
   return play;
@@ -180,7 +187,10 @@ PlayOptions Check(const Texts& texts) {
   options.channel = ChooseChannel(texts.channel, options.host.channels);
   options.cyclic = texts.cyclic;
   options.json = texts.json;
-  options.view = {texts.times, texts.words};
+  // A program that reads the output expects frames alone; a person sees the transfers as well.
+  const bool chosen = texts.frames || texts.transfers;
+  options.view = {chosen ? texts.frames : true, chosen ? texts.transfers : IsTerminal(stdout), texts.times,
+                  texts.words};
   options.host.variant = ParseVariant(texts.variant);
   const auto delay = ParseNumber(texts.delay, 1, kLongestDelay_ms);
   if (!delay) {

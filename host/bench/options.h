@@ -30,7 +30,7 @@ struct PlayOptions {
   std::uint32_t delay_ms = 10;
   std::optional<std::filesystem::path> log;
   bool json = false;
-  FrameView view;
+  View view;
 };
 
 struct CommandLine {

@@ -6,6 +6,7 @@
 #include "host/bench/console.h"
 #include "host/bench/generator_block.h"
 #include "host/bench/report.h"
+#include "host/bench/sdo_observer.h"
 #include "host/bench/stop_request.h"
 #include "host/buses/log_writer.h"
 #include "host/runtime/text.h"
@@ -53,6 +54,7 @@ class Player final : private NRuntime::MeasurementObserver, private GeneratorLis
   void EndByUser();
   ExitStatus Finish();
 
+  void AddTransfers(const std::vector<SdoTransfer>& ended);
   void WriteLog(const NRuntime::SeenFrame& seen);
   void AddError(const std::string& text);
   void Remark(const std::string& text);
@@ -64,6 +66,7 @@ class Player final : private NRuntime::MeasurementObserver, private GeneratorLis
   StatusLine mStatus;
   std::unique_ptr<Report> mReport;
   Tally mTally;
+  SdoObserver mTransfers;
   std::optional<NBuses::LogWriter> mLog;
   std::chrono::nanoseconds mStart_utc{};
   std::string mFailedItem;    // until the message comes that says why
@@ -174,6 +177,7 @@ ExitStatus Player::Finish() {
   }
   if (!mFailedItem.empty()) AddError("not transmitted");
   mStatus.Clear();
+  AddTransfers(mTransfers.Finish(mTally.elapsed));
   mReport->Finish(mTally);
   if (!mReport->Fault().empty()) Complain(mReport->Fault());
   if (!mTally.errors.empty() || mReport->IsUnread()) return kFailed;
@@ -182,12 +186,20 @@ ExitStatus Player::Finish() {
 
 void Player::OnFrame(const NRuntime::SeenFrame& seen) {
   WriteLog(seen);
-  if (seen.direction != NSdk::kCanTransmitted) return;
-  ++mTally.framesSent;
+  if (seen.direction == NSdk::kCanTransmitted) ++mTally.framesSent;
   mStatus.Clear();
-  mReport->Sent(seen);
+  mReport->Seen(seen);
+  AddTransfers(mTransfers.OnFrame(seen.channel, seen.frame, seen.time));
   ShowStatus();
   if (mReport->IsUnread()) mHost.Loop().Stop();
+}
+
+void Player::AddTransfers(const std::vector<SdoTransfer>& ended) {
+  for (const SdoTransfer& transfer : ended) {
+    ++mTally.transfers;
+    if (transfer.outcome != SdoOutcome::Ok) ++mTally.transfersFailed;
+    mReport->Transferred(transfer);
+  }
 }
 
 void Player::OnTrouble(std::uint32_t channel, const std::string& text) {

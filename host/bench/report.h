@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "host/bench/sdo_observer.h"
 #include "host/runtime/can_message.h"
 #include "host/runtime/loop.h"
 
@@ -14,22 +15,28 @@ struct Tally {
   std::uint32_t itemsSent = 0;    ///< of the sequence
   std::uint32_t itemsToSend = 0;  ///< enabled items of the sequence
   std::uint64_t framesSent = 0;
+  std::uint64_t transfers = 0;
+  std::uint64_t transfersFailed = 0;
   NRuntime::Time elapsed{};
   std::vector<std::string> errors;  ///< one per message of the module or trouble with a bus or file
 };
 
-/// What stands beside a frame on the screen.
-struct FrameView {
-  bool times = false;  ///< in front: seconds since the start
-  bool words = false;  ///< behind: what it means in CANopen
+/// What is shown as text.
+struct View {
+  bool frames = true;      ///< every frame on the bus
+  bool transfers = false;  ///< a line for each SDO transfer when it has ended
+  bool times = false;      ///< in front: seconds since the start
+  bool words = false;      ///< behind: what it means in CANopen
 };
 
 /// How a run is shown to the user.
 class Report {
  public:
   virtual ~Report() = default;
-  /// A frame has left.
-  virtual void Sent(const NRuntime::SeenFrame& frame) = 0;
+  /// A frame was on the bus, received or sent.
+  virtual void Seen(const NRuntime::SeenFrame& frame) = 0;
+  /// An SDO transfer has ended.
+  virtual void Transferred(const SdoTransfer& transfer) = 0;
   virtual void Finish(const Tally& tally) = 0;
   /// Nobody reads the report any more.
   virtual bool IsUnread() const = 0;
@@ -40,7 +47,7 @@ class Report {
 /// `3 of 10 items, 12 frames`: how far a run is.
 std::string ProgressText(const Tally& tally);
 
-std::unique_ptr<Report> MakeTextReport(const FrameView& view);
+std::unique_ptr<Report> MakeTextReport(const View& view);
 std::unique_ptr<Report> MakeJsonReport();
 
 }  // namespace NBench

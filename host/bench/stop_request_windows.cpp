@@ -2,7 +2,9 @@
 
 #include <windows.h>
 
+#include <functional>
 #include <mutex>
+#include <utility>
 
 #include "host/bench/stop_request.h"
 

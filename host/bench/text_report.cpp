@@ -29,29 +29,42 @@ std::string WithWords(std::string line, const NSdk::CanFrame& frame) {
   return line + words;
 }
 
-// Every frame as it leaves, one line at the end.
+std::string TransfersText(const Tally& tally) {
+  if (tally.transfers == 0) return {};
+  const std::string failed =
+      tally.transfersFailed == 0 ? "" : " (" + std::to_string(tally.transfersFailed) + " failed)";
+  return ", " + Count(tally.transfers, "SDO transfer", "SDO transfers") + failed;
+}
+
+// Frames and transfers as they come, one line at the end.
 class TextReport final : public Report {
  public:
-  explicit TextReport(const FrameView& view) : mView(view) {}
+  explicit TextReport(const View& view) : mView(view) {}
 
-  void Sent(const NRuntime::SeenFrame& seen) override {
+  void Seen(const NRuntime::SeenFrame& seen) override {
+    if (!mView.frames) return;
     const std::string time = mView.times ? NBuses::ConsoleTime(seen.time) : std::string();
     std::string line = NBuses::ConsoleLine(seen.channel, seen.frame);
     if (mView.words) line = WithWords(std::move(line), seen.frame);
     mOutput.Write(time + line + '\n');
   }
 
+  void Transferred(const SdoTransfer& transfer) override {
+    if (mView.transfers) mOutput.Write("  " + InWords(transfer) + '\n');
+  }
+
   void Finish(const Tally& tally) override {
     const std::string errors =
         tally.errors.empty() ? "no errors" : Count(tally.errors.size(), "error", "errors");
-    mOutput.Write(ProgressText(tally) + ", " + Seconds(tally.elapsed) + ", " + errors + '\n');
+    mOutput.Write(ProgressText(tally) + TransfersText(tally) + ", " + Seconds(tally.elapsed) + ", " + errors +
+                  '\n');
   }
 
   bool IsUnread() const override { return mOutput.Failed(); }
   std::string Fault() const override { return mOutput.Reason(); }
 
  private:
-  FrameView mView;
+  View mView;
   Output mOutput;
 };
 
@@ -63,6 +76,6 @@ std::string ProgressText(const Tally& tally) {
   return sent + Count(tally.itemsToSend, "item", "items") + ", " + Count(tally.framesSent, "frame", "frames");
 }
 
-std::unique_ptr<Report> MakeTextReport(const FrameView& view) { return std::make_unique<TextReport>(view); }
+std::unique_ptr<Report> MakeTextReport(const View& view) { return std::make_unique<TextReport>(view); }
 
 }  // namespace NBench
