@@ -26,6 +26,7 @@ class Recorder final : public NRuntime::MeasurementObserver, public NBench::Gene
   void OnTrouble(std::uint32_t, const std::string&) override {}
   void OnItemSent(NSdk::GeneratorList, std::uint32_t) override {}
   void OnItemFailed(NSdk::GeneratorList, std::uint32_t) override {}
+  void OnTransferEnded(NSdk::GeneratorList, std::uint32_t, std::uint32_t) override {}
   void OnActivityChanged() override {}
 
   std::vector<Time> times;

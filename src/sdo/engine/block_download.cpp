@@ -2,9 +2,7 @@
 
 #include <algorithm>
 
-#include "sdo/engine/abort_codes.h"
 #include "sdo/engine/crc.h"
-#include "sdo/engine/driver.h"
 #include "sdo/engine/transfer.h"
 
 namespace NSdo {
@@ -15,15 +13,16 @@ constexpr std::uint8_t kMaxBlockSize = 127;
 
 std::uint32_t BytesLeft(const SdoChannel& ch) { return ch.size - ch.transferred; }
 
-// The next segment of the sub-block; it counts as transferred once it is built.
-SdoFrame NextSegment(SdoChannel& ch, std::uint8_t sequence) {
+// The next segment of the sub-block; it counts as transferred whether there is room for it or not.
+bool SendSegment(SdoEngine& engine, SdoChannel& ch, std::uint8_t sequence) {
   const std::uint32_t left = BytesLeft(ch);
   const bool last = left <= kSegmentSize;
   const std::uint32_t size = last ? left : kSegmentSize;
-  const SdoFrame frame = BlockSegment(ch.cobIdTx, sequence, ch.buffer + ch.transferred, size, last);
+  const std::uint8_t* data = ch.buffer + ch.transferred;
   if (last) ch.lastSegmentSize = static_cast<std::uint8_t>(size);
   ch.transferred += size;
-  return frame;
+  return SdoQueueBuilt(
+      engine, [&](SdoFrame& frame) { BuildBlockSegment(frame, ch.cobIdTx, sequence, data, size, last); });
 }
 
 // Without data one empty segment is sent. When the transmit queue is full the rest waits for the server, and
@@ -31,7 +30,7 @@ SdoFrame NextSegment(SdoChannel& ch, std::uint8_t sequence) {
 void SendSubBlock(SdoEngine& engine, SdoChannel& ch) {
   for (std::uint8_t sequence = 1; sequence <= ch.blockSize; ++sequence) {
     if (BytesLeft(ch) == 0 && (ch.size != 0 || sequence > 1)) break;
-    if (!SdoQueueFrame(engine, NextSegment(ch, sequence))) {
+    if (!SendSegment(engine, ch, sequence)) {
       if (ch.blockSize >= 2) --ch.blockSize;
       break;
     }

@@ -2,9 +2,7 @@
 
 #include <algorithm>
 
-#include "sdo/engine/abort_codes.h"
 #include "sdo/engine/crc.h"
-#include "sdo/engine/driver.h"
 #include "sdo/engine/transfer.h"
 
 namespace NSdo {

@@ -2,8 +2,6 @@
 
 #include <new>
 
-#include "sdo/engine/client.h"
-
 namespace NSdo {
 
 namespace {
@@ -18,17 +16,6 @@ SdoStatus OpenDriver(SdoEngine& engine, SdoDriverLink& link) {
   if (hooks.configureDriver == nullptr || hooks.configureDriver(hooks.owner, link.handle)) return SDO_OK;
   if (hooks.closeDriver != nullptr) hooks.closeDriver(hooks.owner, link.handle);
   return SDO_E_DRIVER_CONFIG;
-}
-
-// One frame, from the mailbox first.
-bool ReadFrame(SdoEngine& engine, SdoFrame& frame) {
-  if (engine.mailboxFull) {
-    frame = engine.mailbox;
-    engine.mailboxFull = false;
-    return true;
-  }
-  const SdoHooks& hooks = engine.hooks;
-  return hooks.readFrame != nullptr && hooks.readFrame(hooks.owner, engine.driver->handle, frame);
 }
 
 }  // namespace
@@ -63,20 +50,6 @@ void SdoDrainTransmit(SdoEngine& engine) {
     if (send && hooks.transmit(hooks.owner, *frame) == SdoSent::Keep) return queue.AbandonRead();
     queue.CommitRead();
   }
-}
-
-bool SdoQueueFrame(SdoEngine& engine, const SdoFrame& frame) {
-  if (engine.driver && engine.driver->closing) return true;
-  if (!engine.client->transmit.Push(frame)) return false;
-  SdoDrainTransmit(engine);
-  return true;
-}
-
-bool SdoReadDriver(SdoEngine& engine) {
-  SdoFrame frame;
-  if (!engine.client || !engine.driver || engine.driver->closing || !ReadFrame(engine, frame)) return false;
-  if ((engine.filter.Flags(CobIdOf(frame)) & SDO_FILTER_CLIENT) != 0) engine.client->receive.Push(frame);
-  return true;
 }
 
 }  // namespace NSdo

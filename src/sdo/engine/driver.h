@@ -1,7 +1,7 @@
 #pragma once
 // The driver link: where received frames come in and frames to send go out.
 
-#include "sdo/engine/engine.h"
+#include "sdo/engine/client.h"
 
 namespace NSdo {
 
@@ -16,12 +16,22 @@ SdoStatus SdoDriverInit(SdoEngine& engine);
 /// Gives the transmit queue a last chance to drain, then closes the driver.
 void SdoDriverStop(SdoEngine& engine);
 
-/// Copies the frame into the transmit queue and drains it. false: queue full. While the link closes the frame
-/// is dropped, which counts as queued.
-bool SdoQueueFrame(SdoEngine& engine, const SdoFrame& frame);
+/// Lets `fill` write a frame into a slot of the transmit queue and drains the queue. false: queue full. While
+/// the link closes nothing is queued, which counts as done.
+template <class Fill>
+bool SdoQueueBuilt(SdoEngine& engine, const Fill& fill) {
+  if (engine.driver && engine.driver->closing) return true;
+  SdoFrame* slot = engine.client->transmit.TakeWrite();
+  if (slot == nullptr) return false;
+  fill(*slot);
+  engine.client->transmit.CommitWrite();
+  SdoDrainTransmit(engine);
+  return true;
+}
 
-/// Takes one received frame (mailbox first, then readFrame hook) into the receive queue; a frame that no
-/// channel waits for, or that finds no room, is dropped. false: there was none.
-bool SdoReadDriver(SdoEngine& engine);
+/// The same with a frame that is ready.
+inline bool SdoQueueFrame(SdoEngine& engine, const SdoFrame& frame) {
+  return SdoQueueBuilt(engine, [&frame](SdoFrame& slot) { slot = frame; });
+}
 
 }  // namespace NSdo

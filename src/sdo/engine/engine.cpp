@@ -70,19 +70,6 @@ int SdoRead(SdoEngine& engine, std::uint8_t nodeId, std::uint16_t index, std::ui
   return 1;
 }
 
-int SdoFeed(SdoEngine& engine, const SdoFrame& frame) {
-  if (!engine.ready) return 0;
-  engine.mailbox = frame;
-  engine.mailboxFull = true;
-  return SdoPoll(engine);
-}
-
-int SdoPoll(SdoEngine& engine) {
-  if (!engine.ready) return 0;
-  while (SdoReadDriver(engine)) SdoProcessReceived(engine);
-  return 1;
-}
-
 void SdoTick(SdoEngine& engine) {
   if (!engine.client) return;
   for (SdoChannel* ch : engine.client->channels) SdoChannelTick(engine, *ch);

@@ -1,7 +1,8 @@
 #pragma once
 // The frames of the SDO protocol (CiA 301, 7.2.4.3). What stands where in the eight bytes is known here and
 // nowhere else. All of them carry eight bytes; numbers are little-endian. Byte 0 opens with the command
-// specifier in bits 7..5.
+// specifier in bits 7..5. Frames of which a transfer has many are built in place (Build...), in their slot of
+// the transmit queue.
 
 #include <cstdint>
 #include <cstring>
@@ -34,12 +35,19 @@ inline std::uint32_t CobIdOf(const SdoFrame& frame) {
   return frame.identifier | ((frame.flags & NSdk::kFrameExtended) != 0 ? kCobIdExtended : 0);
 }
 
+/// Makes `frame` one of eight bytes to the identifier of a COB-ID, the data left as they are.
+inline void Address(SdoFrame& frame, std::uint32_t cobId) {
+  frame.identifier = cobId & kCobIdIdentifier;
+  // Bit 29 of the COB-ID becomes bit 5 of the flags.
+  static_assert(kCobIdExtended >> 24 == NSdk::kFrameExtended);
+  frame.flags = 8 | ((cobId & kCobIdExtended) >> 24);
+}
+
 /// Empty frame of eight bytes to the identifier of a COB-ID.
 inline SdoFrame FrameTo(std::uint32_t cobId, std::uint8_t command) {
   SdoFrame frame;
-  frame.identifier = cobId & kCobIdIdentifier;
+  Address(frame, cobId);
   frame.data[0] = command;
-  frame.flags = 8 | ((cobId & kCobIdExtended) != 0 ? NSdk::kFrameExtended : 0);
   return frame;
 }
 
@@ -91,8 +99,10 @@ inline std::span<const std::uint8_t> ExpeditedData(const SdoFrame& frame) {
 
 /// Segment request, client to server (7.2.4.3.7).
 ///   byte 0     011 t 0000     t toggle
-inline SdoFrame UploadSegmentRequest(std::uint32_t cobId, std::uint8_t toggle) {
-  return FrameTo(cobId, static_cast<std::uint8_t>(0x60 | toggle));
+inline void BuildUploadSegmentRequest(SdoFrame& frame, std::uint32_t cobId, std::uint8_t toggle) {
+  Address(frame, cobId);
+  std::memset(frame.data, 0, sizeof frame.data);
+  frame.data[0] = static_cast<std::uint8_t>(0x60 | toggle);
 }
 
 /// Segment, either direction (7.2.4.3.4, 7.2.4.3.7).
@@ -121,22 +131,23 @@ SdoFrame SegmentedDownloadRequest(const SdoChannel& ch);
 /// Does the server answer a segment (001 t 0000), not the initiate request (011 0 0000)?
 inline bool AnswersSegment(const SdoFrame& frame) { return frame.data[0] >> 5 == kServerDownloadSegment; }
 
-/// Copies up to seven bytes behind byte 0; the usual full segment by a copy of fixed length.
-inline void PutSegmentData(SdoFrame& frame, const std::uint8_t* data, std::uint32_t size) {
+/// Command and up to seven bytes of data; the usual full segment by a copy of fixed length.
+inline void BuildSegment(SdoFrame& frame, std::uint32_t cobId, std::uint32_t command,
+                         const std::uint8_t* data, std::uint32_t size) {
+  Address(frame, cobId);
   if (size == kSegmentSize) {
     std::memcpy(frame.data + 1, data, kSegmentSize);
-  } else if (size != 0) {
-    std::memcpy(frame.data + 1, data, size);
+  } else {
+    std::memset(frame.data, 0, sizeof frame.data);
+    for (std::uint32_t i = 0; i < size; ++i) frame.data[1 + i] = data[i];
   }
+  frame.data[0] = static_cast<std::uint8_t>(command);
 }
 
 /// `size` 0..7; only the last segment may be short. Layout as above.
-inline SdoFrame DownloadSegment(std::uint32_t cobId, std::uint8_t toggle, const std::uint8_t* data,
-                                std::uint32_t size, bool last) {
-  SdoFrame frame =
-      FrameTo(cobId, static_cast<std::uint8_t>(((kSegmentSize - size) << 1) | toggle | (last ? 1u : 0u)));
-  PutSegmentData(frame, data, size);
-  return frame;
+inline void BuildDownloadSegment(SdoFrame& frame, std::uint32_t cobId, std::uint8_t toggle,
+                                 const std::uint8_t* data, std::uint32_t size, bool last) {
+  BuildSegment(frame, cobId, ((kSegmentSize - size) << 1) | toggle | (last ? 1u : 0u), data, size);
 }
 
 // --- Block download -------------------------------------------------------------------------------------
@@ -156,11 +167,9 @@ inline std::uint8_t ServerBlockSize(const SdoFrame& frame) { return frame.data[4
 /// Segment of a sub-block, either direction (7.2.4.3.10, 7.2.4.3.14).
 ///   byte 0     c sssssss      c last segment of all, s sequence number 1..127 within the sub-block
 ///   byte 1..7  data
-inline SdoFrame BlockSegment(std::uint32_t cobId, std::uint8_t sequence, const std::uint8_t* data,
-                             std::uint32_t size, bool last) {
-  SdoFrame frame = FrameTo(cobId, static_cast<std::uint8_t>(sequence | (last ? 0x80u : 0u)));
-  PutSegmentData(frame, data, size);
-  return frame;
+inline void BuildBlockSegment(SdoFrame& frame, std::uint32_t cobId, std::uint8_t sequence,
+                              const std::uint8_t* data, std::uint32_t size, bool last) {
+  BuildSegment(frame, cobId, sequence | (last ? 0x80u : 0u), data, size);
 }
 inline std::uint8_t BlockSequence(const SdoFrame& frame) { return frame.data[0] & 0x7F; }
 inline bool IsLastBlockSegment(const SdoFrame& frame) { return (frame.data[0] & 0x80) != 0; }

@@ -1,6 +1,5 @@
 // Expedited and segmented transfer (CiA 301, 7.2.4.2.2 to 7.2.4.2.7).
 
-#include "sdo/engine/abort_codes.h"
 #include "sdo/engine/transfer.h"
 
 namespace NSdo {
@@ -19,12 +18,18 @@ void Append(SdoChannel& ch, std::span<const std::uint8_t> data) {
   ch.transferred += static_cast<std::uint32_t>(data.size());
 }
 
+void RequestSegment(SdoEngine& engine, SdoChannel& ch) {
+  BuildOrFail(engine, ch,
+              [&ch](SdoFrame& frame) { BuildUploadSegmentRequest(frame, ch.cobIdTx, ch.toggle); });
+}
+
 void SendSegment(SdoEngine& engine, SdoChannel& ch, std::uint32_t left) {
   const bool last = left <= kSegmentSize;
   const std::uint32_t size = last ? left : kSegmentSize;
-  const SdoFrame frame = DownloadSegment(ch.cobIdTx, ch.toggle, ch.buffer + ch.transferred, size, last);
+  const std::uint8_t* data = ch.buffer + ch.transferred;
   ch.transferred += size;
-  SendOrFail(engine, ch, frame);
+  BuildOrFail(engine, ch,
+              [&](SdoFrame& frame) { BuildDownloadSegment(frame, ch.cobIdTx, ch.toggle, data, size, last); });
 }
 
 }  // namespace
@@ -47,7 +52,7 @@ void OnUploadInitiated(SdoEngine& engine, SdoChannel& ch, const SdoFrame& frame)
   }
   ch.state = SdoState::SegmentedUpload;
   ch.toggle = 0;
-  SendOrFail(engine, ch, UploadSegmentRequest(ch.cobIdTx, ch.toggle));
+  RequestSegment(engine, ch);
 }
 
 void OnUploadSegment(SdoEngine& engine, SdoChannel& ch, const SdoFrame& frame) {
@@ -59,7 +64,7 @@ void OnUploadSegment(SdoEngine& engine, SdoChannel& ch, const SdoFrame& frame) {
   if (IsLastSegment(frame)) return CompleteTransfer(engine, ch);
   ch.toggle ^= kToggleBit;
   RestartTimeout(ch);
-  SendOrFail(engine, ch, UploadSegmentRequest(ch.cobIdTx, ch.toggle));
+  RequestSegment(engine, ch);
 }
 
 // Server's answer to a download request or to a segment.

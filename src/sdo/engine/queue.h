@@ -19,7 +19,7 @@ struct SdoQueue {
   SdoFrame slots[kCapacity];
 
   bool IsEmpty() const { return readIndex == writeIndex; }
-  bool IsFull() const { return writeIndex + 1 == readIndex || readIndex + kCapacity - 1 == writeIndex; }
+  bool IsFull() const { return Next(writeIndex) == readIndex; }
 
   /// The oldest frame, or null if there is none or one is taken.
   const SdoFrame* TakeRead() {
@@ -45,12 +45,12 @@ struct SdoQueue {
   }
   void AbandonWrite() { writeLocked = 0; }
 
-  /// Copies the frame in. false: no slot.
+  /// Copies the frame in, in one go. false: no slot.
   bool Push(const SdoFrame& frame) {
-    SdoFrame* slot = TakeWrite();
-    if (slot == nullptr) return false;
-    *slot = frame;
-    CommitWrite();
+    const std::uint8_t next = Next(writeIndex);
+    if (writeLocked != 0 || next == readIndex) return false;
+    slots[writeIndex] = frame;
+    writeIndex = next;
     return true;
   }
 

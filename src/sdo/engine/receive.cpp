@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "sdo/engine/driver.h"
 #include "sdo/engine/transfer.h"
 
 namespace NSdo {
@@ -43,7 +44,42 @@ void Deliver(SdoEngine& engine, const SdoFrame& frame) {
   if (handler != nullptr) handler(engine, ch, frame);
 }
 
+// What no channel waits for, or finds no room, is dropped.
+void Accept(SdoEngine& engine, const SdoFrame& frame) {
+  if ((engine.filter.Flags(CobIdOf(frame)) & SDO_FILTER_CLIENT) != 0) engine.client->receive.Push(frame);
+}
+
+// One frame, from the mailbox or else from the owner's driver, into the receive queue. false: there was none.
+bool ReadDriver(SdoEngine& engine) {
+  if (!engine.client || !engine.driver || engine.driver->closing) return false;
+  if (engine.mailboxFull) {
+    engine.mailboxFull = false;
+    Accept(engine, engine.mailbox);
+    return true;
+  }
+  SdoFrame frame;
+  const SdoHooks& hooks = engine.hooks;
+  if (hooks.readFrame == nullptr || !hooks.readFrame(hooks.owner, engine.driver->handle, frame)) return false;
+  Accept(engine, frame);
+  return true;
+}
+
 }  // namespace
+
+int SdoFeed(SdoEngine& engine, const SdoFrame& frame) {
+  if (!engine.ready) return 0;
+  engine.mailbox = frame;
+  engine.mailboxFull = true;
+  ReadDriver(engine);
+  SdoProcessReceived(engine);
+  return 1;
+}
+
+int SdoPoll(SdoEngine& engine) {
+  if (!engine.ready) return 0;
+  while (ReadDriver(engine)) SdoProcessReceived(engine);
+  return 1;
+}
 
 // The frame is handled in its slot. A hook that feeds the next one meanwhile only queues it: the slot is
 // taken, and this loop finds the frame afterwards.

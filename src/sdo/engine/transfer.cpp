@@ -2,9 +2,6 @@
 
 #include <algorithm>
 
-#include "sdo/engine/abort_codes.h"
-#include "sdo/engine/driver.h"
-
 namespace NSdo {
 
 namespace {

@@ -2,7 +2,9 @@
 // What every transfer shares: how it lives and how it ends. The events of each kind are declared here too;
 // each takes the channel that the frame is for.
 
+#include "sdo/engine/abort_codes.h"
 #include "sdo/engine/client.h"
+#include "sdo/engine/driver.h"
 #include "sdo/engine/frames.h"
 
 namespace NSdo {
@@ -25,8 +27,13 @@ inline void FailTransfer(SdoEngine& engine, SdoChannel& ch, std::uint8_t abortIn
 /// Ends the transfer without a frame: the other side knows `abortCode` already.
 void EndAborted(SdoEngine& engine, SdoChannel& ch, std::uint32_t abortCode);
 
-/// Queues the next frame of the transfer, or fails it for want of room. The channel may have moved on when
-/// this returns, for the transmit hook may have fed the answer: send last.
+/// Queues the next frame of the transfer as `fill` writes it, or fails the transfer for want of room. The
+/// channel may have moved on when this returns, for the transmit hook may have fed the answer: send last.
+template <class Fill>
+void BuildOrFail(SdoEngine& engine, SdoChannel& ch, const Fill& fill) {
+  if (!SdoQueueBuilt(engine, fill)) FailTransfer(engine, ch, kAbortOutOfMemory);
+}
+/// The same with a frame that is ready.
 void SendOrFail(SdoEngine& engine, SdoChannel& ch, const SdoFrame& frame);
 
 // Server's answers, one function per event.
