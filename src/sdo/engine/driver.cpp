@@ -42,14 +42,11 @@ void SdoDriverStop(SdoEngine& engine) {
 }
 
 void SdoDrainTransmit(SdoEngine& engine) {
-  if (!engine.client) return;
-  SdoQueue& queue = engine.client->transmit;
-  const SdoHooks& hooks = engine.hooks;
-  while (const SdoFrame* frame = queue.TakeRead()) {
-    const bool send = engine.nodeState != kNodeStopped && hooks.transmit != nullptr;
-    if (send && hooks.transmit(hooks.owner, *frame) == SdoSent::Keep) return queue.AbandonRead();
-    queue.CommitRead();
-  }
+  if (engine.client) SdoDrain(engine, engine.client->transmit);
+}
+
+bool SdoQueueFrame(SdoEngine& engine, const SdoFrame& frame) {
+  return SdoQueueBuilt(engine, [&frame](SdoFrame& slot) { slot = frame; });
 }
 
 }  // namespace NSdo

@@ -74,8 +74,7 @@ struct SdoEngine {
   bool succeeded = false;          ///< ... and well
   SdoStatus startStatus = SDO_OK;  ///< of the last SdoWrite or SdoRead; a refused start never finishes
 
-  SdoFrame mailbox;
-  bool mailboxFull = false;
+  SdoFrame mailbox;  ///< the frame that SdoFeed hands to the driver link
   SdoReceiveFilter filter;
   std::unique_ptr<SdoDriverLink> driver;
   std::unique_ptr<SdoClientLayer> client;

@@ -49,19 +49,25 @@ void Accept(SdoEngine& engine, const SdoFrame& frame) {
   if ((engine.filter.Flags(CobIdOf(frame)) & SDO_FILTER_CLIENT) != 0) engine.client->receive.Push(frame);
 }
 
-// One frame, from the mailbox or else from the owner's driver, into the receive queue. false: there was none.
+bool CanRead(const SdoEngine& engine) { return engine.client && engine.driver && !engine.driver->closing; }
+
+// One frame from the owner's driver into the receive queue. false: there was none.
 bool ReadDriver(SdoEngine& engine) {
-  if (!engine.client || !engine.driver || engine.driver->closing) return false;
-  if (engine.mailboxFull) {
-    engine.mailboxFull = false;
-    Accept(engine, engine.mailbox);
-    return true;
-  }
-  SdoFrame frame;
   const SdoHooks& hooks = engine.hooks;
-  if (hooks.readFrame == nullptr || !hooks.readFrame(hooks.owner, engine.driver->handle, frame)) return false;
+  SdoFrame frame;
+  if (!CanRead(engine) || hooks.readFrame == nullptr) return false;
+  if (!hooks.readFrame(hooks.owner, engine.driver->handle, frame)) return false;
   Accept(engine, frame);
   return true;
+}
+
+// The frame is handled in its slot. A hook that feeds the next one meanwhile only queues it: the slot is
+// taken, and this loop finds the frame afterwards.
+inline void ProcessQueue(SdoEngine& engine, SdoQueue& queue) {
+  while (const SdoFrame* frame = queue.TakeRead()) {
+    Deliver(engine, *frame);
+    queue.CommitRead();
+  }
 }
 
 }  // namespace
@@ -69,9 +75,9 @@ bool ReadDriver(SdoEngine& engine) {
 int SdoFeed(SdoEngine& engine, const SdoFrame& frame) {
   if (!engine.ready) return 0;
   engine.mailbox = frame;
-  engine.mailboxFull = true;
-  ReadDriver(engine);
-  SdoProcessReceived(engine);
+  if (!CanRead(engine)) return 1;
+  Accept(engine, engine.mailbox);
+  ProcessQueue(engine, engine.client->receive);
   return 1;
 }
 
@@ -81,15 +87,8 @@ int SdoPoll(SdoEngine& engine) {
   return 1;
 }
 
-// The frame is handled in its slot. A hook that feeds the next one meanwhile only queues it: the slot is
-// taken, and this loop finds the frame afterwards.
 void SdoProcessReceived(SdoEngine& engine) {
-  if (!engine.client) return;
-  SdoQueue& queue = engine.client->receive;
-  while (const SdoFrame* frame = queue.TakeRead()) {
-    Deliver(engine, *frame);
-    queue.CommitRead();
-  }
+  if (engine.client) ProcessQueue(engine, engine.client->receive);
 }
 
 }  // namespace NSdo
