@@ -9,7 +9,7 @@ namespace {
 using testing::HasSubstr;
 using testing::StartsWith;
 
-const std::string kGoodFile = "\"" OSTREL_SOURCE_DIR "/examples/first-steps.seq\" ";
+const std::string kGoodFile = NTest::Quoted(OSTREL_SOURCE_DIR "/examples/first-steps.seq");
 
 class BadInput : public testing::Test {
  protected:
@@ -21,7 +21,7 @@ class BadInput : public testing::Test {
   }
   void TearDown() override { std::filesystem::remove_all(folder); }
 
-  std::string In(const std::string& name) const { return "\"" + (folder / name).string() + "\" "; }
+  std::string In(const std::string& name) const { return NTest::Quoted(folder / name); }
 
   // One line on standard error that names what is at fault, nothing else anywhere.
   void Expect(const std::string& arguments, const std::string& named) {
@@ -94,11 +94,11 @@ TEST_F(BadInput, InModules) {
       {In("none.hpi"), "none.hpi: no such module"},
       {In("folder"), "a directory"},
       {In("text.hpi"), "text.hpi: not a module"},
-      {"\"" FAULTY_MODULE_1 "\"", "does not export DllCanUnloadNow"},
-      {"\"" FAULTY_MODULE_2 "\"", "has no class \"HarlowPlugIn.PlugIn\""},
-      {"\"" FAULTY_MODULE_3 "\"", "has no factory for \"HarlowPlugIn.PlugIn\""},
-      {"\"" FAULTY_MODULE_4 "\"", "is not a plug-in object"},
-      {"\"" FAULTY_MODULE_5 "\"", "is not a generator"},
+      {NTest::Quoted(FAULTY_MODULE_1), "does not export DllCanUnloadNow"},
+      {NTest::Quoted(FAULTY_MODULE_2), "has no class \"HarlowPlugIn.PlugIn\""},
+      {NTest::Quoted(FAULTY_MODULE_3), "has no factory for \"HarlowPlugIn.PlugIn\""},
+      {NTest::Quoted(FAULTY_MODULE_4), "is not a plug-in object"},
+      {NTest::Quoted(FAULTY_MODULE_5), "is not a generator"},
   };
   for (const auto& [module, named] : cases) {
     Expect("play " + kGoodFile + "--module " + module + " --log " + In("new.log"), named);

@@ -7,7 +7,7 @@ namespace {
 using testing::HasSubstr;
 using testing::MatchesRegex;
 
-const std::string kProgram = "\"" OSTREL_BENCH_PROGRAM "\" ";
+const std::string kProgram = NTest::Quoted(OSTREL_BENCH_PROGRAM);
 
 class Interruption : public testing::Test {
  protected:
@@ -21,7 +21,7 @@ class Interruption : public testing::Test {
   void TearDown() override { std::filesystem::remove_all(folder); }
 
   int Shell(const std::string& command) {
-    return NTest::RunShell("cd \"" + folder.string() + "\" && " + command);
+    return NTest::RunShell("cd " + NTest::Quoted(folder) + "&& " + command);
   }
 
   const std::filesystem::path folder =

@@ -30,7 +30,7 @@ class Play : public testing::Test {
   NTest::Outcome Run(const std::string& sequence, const std::string& cyclic, const std::string& options) {
     NTest::WriteFile(file, "<CANopenIG><Sequence>" + sequence + "</Sequence><CyclicMsgs>" + cyclic +
                                "</CyclicMsgs></CANopenIG>");
-    return NTest::RunBench("play \"" + file.string() + "\" " + options, folder);
+    return NTest::RunBench("play " + NTest::Quoted(file) + options, folder);
   }
 
   const std::filesystem::path folder =
@@ -67,7 +67,7 @@ TEST_F(Play, JsonIsOneDocument) {
 
 TEST_F(Play, LogHoldsAllChannelsOfABus) {
   Run(kRemote, "",
-      "--can 1=virtual:a --can 2=virtual:a --can 3=virtual --channel 2 --log \"" + log.string() + "\"");
+      "--can 1=virtual:a --can 2=virtual:a --can 3=virtual --channel 2 --log " + NTest::Quoted(log));
   EXPECT_THAT(NTest::ReadFile(log), MatchesRegex("\\([0-9]+\\.[0-9]+\\) can2 705#R1\n"
                                                  "\\([0-9]+\\.[0-9]+\\) can1 705#R1\n"));
 }

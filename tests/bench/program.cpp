@@ -13,10 +13,16 @@ void WriteFile(const std::filesystem::path& path, const std::string& content) {
   std::ofstream(path, std::ios::binary) << content;
 }
 
+std::string Quoted(const std::filesystem::path& path) {
+  std::string text(1, '"');
+  text.append(path.string());
+  return text.append("\" ");
+}
+
 Outcome RunBench(const std::string& arguments, const std::filesystem::path& folder) {
   const auto output = folder / "output.txt", errors = folder / "errors.txt";
-  const std::string command = "\"" OSTREL_BENCH_PROGRAM "\" " + arguments + " > \"" + output.string() +
-                              "\" 2> \"" + errors.string() + "\"";
+  const std::string command =
+      Quoted(OSTREL_BENCH_PROGRAM) + arguments + " > " + Quoted(output) + "2> " + Quoted(errors);
   const int status = RunShell(command);
   const Outcome outcome = {status, ReadFile(output), ReadFile(errors)};
   std::filesystem::remove(output);

@@ -12,6 +12,9 @@ struct Outcome {
   std::string errors;
 };
 
+/// A path as an argument of a command line, with a blank behind it.
+std::string Quoted(const std::filesystem::path& path);
+
 /// Runs ostrel-bench with arguments written as on a command line. `folder` keeps what it prints.
 Outcome RunBench(const std::string& arguments, const std::filesystem::path& folder);
 
