@@ -18,6 +18,15 @@ enum GeneratorActivity : std::uint32_t {
   kCyclicRequested = 4,  ///< asked for; begins with the next expiry of one of the block's timers
 };
 
+/// How the SDO transfer of an item ended.
+enum GeneratorTransferResult : std::uint32_t {
+  kTransferDone = 0,
+  kTransferAborted = 1,  ///< by either side, or by the time-out
+  kTransferRefused = 2,  ///< never started: its COB-IDs are equal or invalid, or the node-ID is not 1 to 127
+  kTransferDropped =
+      3,  ///< cut off by the next transfer, the end of cyclic transmission or of the measurement
+};
+
 /// One row of a list. The four texts are allocated for the caller, who frees each with CoTaskMemFree.
 struct GeneratorItem {
   std::uint32_t typeCode = 0;
@@ -36,6 +45,12 @@ struct IGeneratorEvents : IUnknown {
   virtual HRESULT STDMETHODCALLTYPE OnItemSent(std::uint32_t list, std::uint32_t position) = 0;
   /// An item could not be sent; what ran has ended.
   virtual HRESULT STDMETHODCALLTYPE OnItemFailed(std::uint32_t list, std::uint32_t position) = 0;
+  /// The SDO transfer of an item has ended. A sequence goes on whatever the result (a
+  /// GeneratorTransferResult); `bytes` were transferred, and `abortCode` is that of an aborted one, 05040000h
+  /// for a time-out.
+  virtual HRESULT STDMETHODCALLTYPE OnTransferEnded(std::uint32_t list, std::uint32_t position,
+                                                    std::uint32_t result, std::uint32_t bytes,
+                                                    std::uint32_t abortCode) = 0;
   /// Activity has changed: GeneratorActivity bits.
   virtual HRESULT STDMETHODCALLTYPE OnActivityChanged(std::uint32_t activity) = 0;
 };

@@ -79,6 +79,11 @@ class GeneratorBlock::Events final : public NRuntime::Implements<NSdk::IGenerato
     if (mListener) mListener->OnItemFailed(static_cast<NSdk::GeneratorList>(list), position);
     return S_OK;
   }
+  HRESULT STDMETHODCALLTYPE OnTransferEnded(std::uint32_t list, std::uint32_t position, std::uint32_t result,
+                                            std::uint32_t, std::uint32_t) override {
+    if (mListener) mListener->OnTransferEnded(static_cast<NSdk::GeneratorList>(list), position, result);
+    return S_OK;
+  }
   HRESULT STDMETHODCALLTYPE OnActivityChanged(std::uint32_t) override {
     if (mListener) mListener->OnActivityChanged();
     return S_OK;

@@ -17,6 +17,8 @@ class GeneratorListener {
   virtual ~GeneratorListener() = default;
   virtual void OnItemSent(NSdk::GeneratorList list, std::uint32_t position) = 0;
   virtual void OnItemFailed(NSdk::GeneratorList list, std::uint32_t position) = 0;
+  /// A transfer ended; `result` is a GeneratorTransferResult.
+  virtual void OnTransferEnded(NSdk::GeneratorList list, std::uint32_t position, std::uint32_t result) = 0;
   virtual void OnActivityChanged() = 0;
 };
 

@@ -42,6 +42,7 @@ class Player final : private NRuntime::MeasurementObserver, private GeneratorLis
   void OnTrouble(std::uint32_t channel, const std::string& text) override;
   void OnItemSent(NSdk::GeneratorList list, std::uint32_t position) override;
   void OnItemFailed(NSdk::GeneratorList list, std::uint32_t position) override;
+  void OnTransferEnded(NSdk::GeneratorList list, std::uint32_t position, std::uint32_t result) override;
   void OnActivityChanged() override { EndWhenIdle(); }
   void OnModuleMessage(const std::string& text);
 
@@ -212,6 +213,13 @@ void Player::OnItemSent(NSdk::GeneratorList list, std::uint32_t) {
 
 void Player::OnItemFailed(NSdk::GeneratorList list, std::uint32_t position) {
   mFailedItem = mGenerator.DescribeItem(list, position);
+}
+
+// How a transfer went is seen on the bus; one that never started is not.
+void Player::OnTransferEnded(NSdk::GeneratorList list, std::uint32_t position, std::uint32_t result) {
+  if (result != NSdk::kTransferRefused) return;
+  AddError("SDO transfer not started, its node-ID or COB-IDs cannot be used (" +
+           mGenerator.DescribeItem(list, position) + ")");
 }
 
 void Player::OnModuleMessage(const std::string& text) {

@@ -61,7 +61,8 @@ void Generator::StopMeasurement() {
   // A sequence that was under way ends here: left as running, it would keep every other block from sending.
   if (mSequenceRunning) SetSequenceRunning(false);
   ReleaseTimers();
-  mSdo.End();
+  CloseSdo();
+  mSdo.Forget();
   mSdo.SetOutput(nullptr);
   mOutput.Reset();
   mRuntime.Reset();
@@ -132,6 +133,7 @@ void Generator::StartSequence() {
 void Generator::SequenceTick() {
   if (mSdo.IsRunning()) {
     if (!mSdo.HasEnded()) return;
+    ReportTransfer();
     mSdo.End();
     mSdoPollTimer->Stop();
     return;
@@ -140,9 +142,9 @@ void Generator::SequenceTick() {
   if (mSequenceIndex < mSequenceSnapshot.size()) {
     const SnapshotEntry entry = mSequenceSnapshot[mSequenceIndex];
     if (entry.item->IsEnabled()) {
-      const bool sent = SendItem(*entry.item);
-      if (!sent) return SequenceItemFailed(entry.listPosition);
-      mObserver.ItemSent(NSdk::kSequenceList, entry.listPosition);
+      const ItemPlace place = {NSdk::kSequenceList, entry.listPosition};
+      if (!SendItem(*entry.item, place)) return SequenceItemFailed(place);
+      mObserver.ItemSent(place);
       if (!mSequenceRunning) return;  // who heard of it has stopped the measurement
     }
   }
@@ -161,15 +163,15 @@ void Generator::FinishSequence() {
 }
 
 // The message box lets other callbacks in, so the sequence is over before it opens.
-void Generator::SequenceItemFailed(std::size_t listPosition) {
+void Generator::SequenceItemFailed(const ItemPlace& place) {
   mSequenceIndex = mSequenceSnapshot.size() + 1;
   SetSequenceRunning(false);
-  mObserver.ItemFailed(NSdk::kSequenceList, listPosition);
+  mObserver.ItemFailed(place);
   ShowMessage(IDS_IG_SEQUENCE_FAILED);
   if (!mRuntime || mSequenceRunning) return;  // stopped, or started anew, while the message was shown
   mWindow->EnableControl(kControlSequenceList, true);
   mWindow->EnableControl(kControlExecute, true);
-  mWindow->SelectItem(kControlSequenceList, listPosition);
+  mWindow->SelectItem(kControlSequenceList, place.position);
   mWindow->StopTimer(mSequenceTimer);
   FinishSequence();
 }
@@ -198,7 +200,7 @@ void Generator::BeginCyclic() {
 void Generator::EndCyclic() {
   if (!mCyclicRunning) return;
   mCyclicTimers.Stop();
-  mSdo.Close();
+  CloseSdo();
   mCyclicRunning = false;
   Shared().cyclicRunning = false;
   ShowCyclicIdle();
@@ -214,19 +216,19 @@ void Generator::CyclicExpiry(NSdk::ITimer* timer) {
   ZTimerInfo* message = mCyclicTimers.Find(timer);
   if (!message) return;
   if (message->item->IsEnabled()) {
-    const std::size_t listPosition = mCyclicSnapshot[message->position].listPosition;
-    if (!SendItem(*message->item)) return CyclicItemFailed(listPosition);
-    mObserver.ItemSent(NSdk::kCyclicList, listPosition);
+    const ItemPlace place = {NSdk::kCyclicList, mCyclicSnapshot[message->position].listPosition};
+    if (!SendItem(*message->item, place)) return CyclicItemFailed(place);
+    mObserver.ItemSent(place);
     message = mCyclicTimers.Find(timer);
   }
   if (message) CyclicTransmission::Expired(*message);
 }
 
-void Generator::CyclicItemFailed(std::size_t listPosition) {
+void Generator::CyclicItemFailed(const ItemPlace& place) {
   EndCyclic();
-  mObserver.ItemFailed(NSdk::kCyclicList, listPosition);
+  mObserver.ItemFailed(place);
   ShowMessage(IDS_IG_CYCLIC_FAILED);
-  mWindow->SelectItem(kControlCyclicList, listPosition);
+  mWindow->SelectItem(kControlCyclicList, place.position);
 }
 
 // ---- timers and sending
@@ -242,6 +244,7 @@ void Generator::OnTimer(NSdk::ITimer* timer) {
     SequenceTick();
   } else if (timer == mSdoPollTimer.Get()) {
     mSdo.Tick();
+    ReportTransfer();
   } else if (timer == mPauseTimer.Get()) {
     mPauseTimer->Stop();
     mPauseOver = true;
@@ -250,7 +253,7 @@ void Generator::OnTimer(NSdk::ITimer* timer) {
   }
 }
 
-bool Generator::SendItem(NCanopen::ZMsgItemInfo& item) {
+bool Generator::SendItem(NCanopen::ZMsgItemInfo& item, const ItemPlace& place) {
   if (const auto* pause = dynamic_cast<const NCanopen::ZPauseItemInfo*>(&item)) {
     StartPause(pause->record.length_ms);
     return true;
@@ -259,15 +262,35 @@ bool Generator::SendItem(NCanopen::ZMsgItemInfo& item) {
     SwitchCyclic(state->record.start != 0);
     return true;
   }
-  if (auto* sdo = dynamic_cast<NCanopen::ZSDOItemInfo*>(&item)) return StartSdo(sdo->record);
+  if (auto* sdo = dynamic_cast<NCanopen::ZSDOItemInfo*>(&item)) return StartSdo(sdo->record, place);
   return SendFrameItem(item, *mOutput, mDataFolder);
 }
 
-bool Generator::StartSdo(NCanopen::SdoRecord& record) {
+bool Generator::StartSdo(NCanopen::SdoRecord& record, const ItemPlace& place) {
+  CloseSdo();
   if (!mSdo.Start(record, mNumbers, mDataFolder)) return false;
+  mTransferring = place;
   mSdoPollTimer->Stop();
   mSdoPollTimer->Start(kSdoPollPeriod_ms, /*periodic=*/1);
   return true;
+}
+
+void Generator::CloseSdo() {
+  ReportTransfer();
+  mSdo.Close();
+  ReportTransfer();  // as cut off, where it was still under way
+}
+
+void Generator::ReportTransfer() {
+  if (!mTransferring || !mSdo.HasEnded()) return;
+  const ItemPlace place = *mTransferring;
+  mTransferring.reset();
+  mObserver.TransferEnded(place, mSdo.Result());
+}
+
+void Generator::OnFrame(const NSdk::CanFrame& frame) {
+  mSdo.Feed(frame);
+  ReportTransfer();
 }
 
 void Generator::StartPause(std::uint32_t length_ms) {

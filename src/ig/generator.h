@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
 
 #include "com/com_ptr.h"
@@ -18,12 +19,20 @@
 
 namespace NIg {
 
+/// An item of one of the block's lists.
+struct ItemPlace {
+  NSdk::GeneratorList list = NSdk::kSequenceList;
+  std::size_t position = 0;
+};
+
 /// Hears of single items as they are sent.
 class TransmissionObserver {
  public:
   virtual ~TransmissionObserver() = default;
-  virtual void ItemSent(NSdk::GeneratorList list, std::size_t listPosition) = 0;
-  virtual void ItemFailed(NSdk::GeneratorList list, std::size_t listPosition) = 0;
+  virtual void ItemSent(const ItemPlace& place) = 0;
+  virtual void ItemFailed(const ItemPlace& place) = 0;
+  /// The SDO transfer of an item is over.
+  virtual void TransferEnded(const ItemPlace& place, const SdoTransferResult& result) = 0;
 };
 
 /// One generator block. All calls arrive on the host's thread: user commands from the window or the host,
@@ -46,7 +55,7 @@ class Generator {
 
   void OnTimer(NSdk::ITimer* timer);
   /// A frame that was received on the block's channel.
-  void OnFrame(const NSdk::CanFrame& frame) { mSdo.Feed(frame); }
+  void OnFrame(const NSdk::CanFrame& frame);
 
   /// The button "Execute": starts the sequence, or lets the next tick end it.
   void ToggleSequence();
@@ -81,13 +90,15 @@ class Generator {
   // Timers
   void SequenceTick();
   void CyclicExpiry(NSdk::ITimer* timer);
-  void SequenceItemFailed(std::size_t listPosition);
-  void CyclicItemFailed(std::size_t listPosition);
+  void SequenceItemFailed(const ItemPlace& place);
+  void CyclicItemFailed(const ItemPlace& place);
   void ReleaseTimers();
 
   // Sending
-  bool SendItem(NCanopen::ZMsgItemInfo& item);
-  bool StartSdo(NCanopen::SdoRecord& record);
+  bool SendItem(NCanopen::ZMsgItemInfo& item, const ItemPlace& place);
+  bool StartSdo(NCanopen::SdoRecord& record, const ItemPlace& place);
+  void CloseSdo();
+  void ReportTransfer();
   void StartPause(std::uint32_t length_ms);
   void SwitchCyclic(bool start);
 
@@ -107,6 +118,7 @@ class Generator {
   NCom::ComPtr<NSdk::ITimer> mSdoPollTimer;
   NCom::ComPtr<NSdk::ITimer> mPauseTimer;
   SdoTransfer mSdo;
+  std::optional<ItemPlace> mTransferring;  // whose transfer nobody was told the end of
   CyclicTransmission mCyclicTimers;
 
   Snapshot mSequenceSnapshot;

@@ -272,14 +272,21 @@ HRESULT ZCANopenIGNode::SetEvents(NSdk::IGeneratorEvents* events) {
   return NCom::Entry([&] { mEvents = events; });
 }
 
-void ZCANopenIGNode::ItemSent(NSdk::GeneratorList list, std::size_t listPosition) {
+void ZCANopenIGNode::ItemSent(const ItemPlace& place) {
   const auto events = mEvents;
-  if (events) events->OnItemSent(list, static_cast<std::uint32_t>(listPosition));
+  if (events) events->OnItemSent(place.list, static_cast<std::uint32_t>(place.position));
 }
 
-void ZCANopenIGNode::ItemFailed(NSdk::GeneratorList list, std::size_t listPosition) {
+void ZCANopenIGNode::ItemFailed(const ItemPlace& place) {
   const auto events = mEvents;
-  if (events) events->OnItemFailed(list, static_cast<std::uint32_t>(listPosition));
+  if (events) events->OnItemFailed(place.list, static_cast<std::uint32_t>(place.position));
+}
+
+void ZCANopenIGNode::TransferEnded(const ItemPlace& place, const SdoTransferResult& result) {
+  const auto events = mEvents;
+  if (!events) return;
+  events->OnTransferEnded(place.list, static_cast<std::uint32_t>(place.position), result.result, result.bytes,
+                          result.abortCode);
 }
 
 }  // namespace NIg

@@ -57,8 +57,9 @@ class ZCANopenIGNode final : public GeneratorInterfaces, private TransmissionObs
   HRESULT STDMETHODCALLTYPE SetEvents(NSdk::IGeneratorEvents* events) override;
 
  private:
-  void ItemSent(NSdk::GeneratorList list, std::size_t listPosition) override;
-  void ItemFailed(NSdk::GeneratorList list, std::size_t listPosition) override;
+  void ItemSent(const ItemPlace& place) override;
+  void ItemFailed(const ItemPlace& place) override;
+  void TransferEnded(const ItemPlace& place, const SdoTransferResult& result) override;
 
   /// Runs an entry that may change what the block does, and tells the host afterwards if it did.
   template <class Body>

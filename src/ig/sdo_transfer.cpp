@@ -68,6 +68,15 @@ bool SdoTransfer::HasEnded() const {
   return mEngine.finished || !mEngine.ready || mEngine.startStatus != NSdo::SDO_OK;
 }
 
+SdoTransferResult SdoTransfer::Result() const {
+  if (!mEngine.ready) return {};
+  if (mEngine.startStatus != NSdo::SDO_OK) return {NSdk::kTransferRefused};
+  const NSdo::SdoResult result = NSdo::SdoResultOf(mEngine);
+  if (!mEngine.finished) return {NSdk::kTransferDropped, result.transferred};
+  if (mEngine.succeeded) return {NSdk::kTransferDone, result.transferred};
+  return {NSdk::kTransferAborted, result.transferred, result.abortCode};
+}
+
 void SdoTransfer::Feed(const NSdk::CanFrame& frame) { NSdo::SdoFeed(mEngine, frame); }
 
 void SdoTransfer::Tick() { NSdo::SdoTick(mEngine); }

@@ -8,9 +8,16 @@
 #include "canopen/records.h"
 #include "ig/settings.h"
 #include "sdk/can_message.h"
+#include "sdk/generator.h"
 #include "sdo/engine/engine.h"
 
 namespace NIg {
+
+struct SdoTransferResult {
+  NSdk::GeneratorTransferResult result = NSdk::kTransferDropped;
+  std::uint32_t bytes = 0;
+  std::uint32_t abortCode = 0;  ///< of an aborted transfer
+};
 
 class SdoTransfer {
  public:
@@ -31,6 +38,8 @@ class SdoTransfer {
   /// The transfer that was started will not go on: it is done, has failed, was refused, or the engine was
   /// closed under it.
   bool HasEnded() const;
+  /// How it ended; to be asked for before End.
+  SdoTransferResult Result() const;
   /// Closes the engine and frees the buffer. Who waits for the transfer finds it ended.
   void Close();
   /// The same, and nobody waits any more.

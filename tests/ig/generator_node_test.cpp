@@ -48,6 +48,10 @@ class Events final : public NCom::Implements<NSdk::IGeneratorEvents> {
   HRESULT STDMETHODCALLTYPE OnItemFailed(std::uint32_t list, std::uint32_t position) override {
     return Heard("failed " + std::to_string(list) + "/" + std::to_string(position));
   }
+  HRESULT STDMETHODCALLTYPE OnTransferEnded(std::uint32_t, std::uint32_t, std::uint32_t, std::uint32_t,
+                                            std::uint32_t) override {
+    return Heard("transfer");
+  }
   HRESULT STDMETHODCALLTYPE OnActivityChanged(std::uint32_t activity) override {
     return Heard("activity " + std::to_string(activity));
   }

@@ -50,11 +50,18 @@ struct Block final : NCom::Implements<NSdk::ITimerSink>, NIg::TransmissionObserv
     generator.OnTimer(timer);
     return S_OK;
   }
-  void ItemSent(NSdk::GeneratorList, std::size_t) override {
+  void ItemSent(const NIg::ItemPlace&) override {
     if (whenSent) whenSent();
   }
-  void ItemFailed(NSdk::GeneratorList list, std::size_t position) override {
-    failed.push_back(std::to_string(list) + "/" + std::to_string(position));
+  void ItemFailed(const NIg::ItemPlace& place) override {
+    failed.push_back(std::to_string(place.list) + "/" + std::to_string(place.position));
+  }
+  void TransferEnded(const NIg::ItemPlace& place, const NIg::SdoTransferResult& result) override {
+    char text[64];
+    std::snprintf(text, sizeof text, "%u/%u result %u, %u bytes, %08X", static_cast<unsigned>(place.list),
+                  static_cast<unsigned>(place.position), static_cast<unsigned>(result.result),
+                  static_cast<unsigned>(result.bytes), static_cast<unsigned>(result.abortCode));
+    transfers.emplace_back(text);
   }
 
   template <class Item>
@@ -82,6 +89,7 @@ struct Block final : NCom::Implements<NSdk::ITimerSink>, NIg::TransmissionObserv
   bool hexDisplay = false;
   RecordingWindow window;
   std::vector<std::string> failed;
+  std::vector<std::string> transfers;
   std::function<void()> whenSent;
   Generator generator{*this, *this};
 };
@@ -381,6 +389,8 @@ TEST_F(GeneratorTest, AnSdoTransferHoldsTheSequenceUntilItsAnswer) {
   block.OnFrame(Answer({0x80, 0x17, 0x10, 0, 0, 0, 2, 6}));
   host->RunFor(20);
   EXPECT_THAT(host->TakeSent(), ElementsAre("240: 80 [0]")) << "an abort does not end the sequence";
+  EXPECT_THAT(first->transfers,
+              ElementsAre("0/0 result 0, 4 bytes, 00000000", "0/1 result 1, 2 bytes, 06020000"));
   EXPECT_THAT(Messages(), IsEmpty());
 }
 
@@ -394,6 +404,7 @@ TEST_F(GeneratorTest, AnSdoWithoutAnswerEndsWithItsTimeOut) {
   host->RunFor(1000);
   EXPECT_THAT(host->TakeSent(),
               ElementsAre(HasSubstr("601 [8] 80 00 10 00 00 00 04 05"), HasSubstr("80 [0]")));
+  EXPECT_THAT(first->transfers, ElementsAre("0/0 result 1, 0 bytes, 05040000"));
   host->RunFor(1000);
   EXPECT_EQ(block.Activity(), 0u);
 }
@@ -418,6 +429,8 @@ TEST_F(GeneratorTest, AnSdoThatCannotRunNeverHangsTheSequence) {
   block.ToggleCyclic();
   host->RunFor(50);
   EXPECT_THAT(host->TakeSent(), ElementsAre(HasSubstr(": 0 [2] 01 01")));
+  EXPECT_THAT(first->transfers,
+              ElementsAre("0/0 result 2, 0 bytes, 00000000", "0/2 result 3, 0 bytes, 00000000"));
   EXPECT_EQ(block.Activity(), 0u);
   EXPECT_THAT(Messages(), IsEmpty());
 }
