@@ -16,7 +16,7 @@ packages_of() {
     test) echo googletest can-utils libbenchmark-dev clang-format-14 ;;
     windows) echo g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 wine64 fonts-wine googletest ;;
     source) echo dpkg-dev ;;
-    tidy) echo clang-tidy-14 clang-tools-14 clang-format-14 ;;
+    tidy) echo clang-tidy-14 ;;
     *) die "no package group '$1'" ;;
   esac
 }
@@ -54,6 +54,6 @@ need() {
   say "installing ${missing[*]}"
   as_root env DEBIAN_FRONTEND=noninteractive apt-get -qq update ||
     say "apt-get update failed; going on with the lists that are there"
-  as_root env DEBIAN_FRONTEND=noninteractive apt-get -qq install -y --no-install-recommends "${missing[@]}" \
-    >/dev/null
+  as_root env DEBIAN_FRONTEND=noninteractive apt-get -qq -o Dpkg::Use-Pty=0 install -y --no-install-recommends \
+    "${missing[@]}" >/dev/null
 }
