@@ -211,6 +211,7 @@ std::string FirstLine(const std::string& text) { return text.substr(0, text.find
 CommandLine ParseCommandLine(const std::vector<std::string>& arguments) {
   CLI::App app("", "ostrel-bench");
   app.set_version_flag("--version", "ostrel-bench " OSTREL_VERSION "\n");
+  app.allow_windows_style_options(false);  // "/folder/file.seq" is a file on Windows too
   app.require_subcommand(0, 1);
   Texts texts;
   const CLI::App* play = AddPlay(app, texts);

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include <nlohmann/json.hpp>
+#include <regex>
 
 #include "tests/bench/program.h"
 
@@ -8,7 +9,6 @@ namespace {
 
 using nlohmann::json;
 using testing::HasSubstr;
-using testing::MatchesRegex;
 using testing::Not;
 
 constexpr char kSync[] = R"(<SYNC COBID="0x80" Enabled="1"/>)";
@@ -68,8 +68,9 @@ TEST_F(Play, JsonIsOneDocument) {
 TEST_F(Play, LogHoldsAllChannelsOfABus) {
   Run(kRemote, "",
       "--can 1=virtual:a --can 2=virtual:a --can 3=virtual --channel 2 --log " + NTest::Quoted(log));
-  EXPECT_THAT(NTest::ReadFile(log), MatchesRegex("\\([0-9]+\\.[0-9]+\\) can2 705#R1\n"
-                                                 "\\([0-9]+\\.[0-9]+\\) can1 705#R1\n"));
+  const std::string lines =
+      std::regex_replace(NTest::ReadFile(log), std::regex("\\([0-9]{10}\\.[0-9]{6}\\)"), "(time)");
+  EXPECT_EQ(lines, "(time) can2 705#R1\n(time) can1 705#R1\n");
 }
 
 TEST_F(Play, AFailedItemIsNamedAndEndsTheRun) {

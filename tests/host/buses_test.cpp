@@ -142,26 +142,4 @@ TEST_F(Logs, OnlyAnEmptyLogIsDiscarded) {
   EXPECT_TRUE(std::filesystem::exists(folder / "used.log"));
 }
 
-// can-utils is the judge of what a log is.
-TEST_F(Logs, AreReadByLog2asc) {
-  if (!std::filesystem::exists("/usr/bin/log2asc")) {
-    GTEST_SKIP() << "log2asc (package can-utils) is not installed";
-  }
-  const auto path = folder / "all.log";
-  {
-    NBuses::LogWriter log(path);
-    for (const auto& frame : {kData, kEmpty, kExtended, kRemote, kRemoteExtended}) {
-      log.Write(std::chrono::seconds(1700000000), 1, frame);
-    }
-  }
-  const std::string command = "log2asc -I " + path.string() + " -O " + (folder / "all.asc").string() +
-                              " can1 2> " + (folder / "complaints").string();
-  EXPECT_EQ(std::system(command.c_str()), 0);
-  EXPECT_EQ(Content(folder / "complaints"), "");
-  const std::string converted = Content(folder / "all.asc");
-  EXPECT_THAT(converted, HasSubstr("5A "));
-  EXPECT_THAT(converted, HasSubstr("1ABCDEFx"));
-  EXPECT_THAT(converted, HasSubstr("705 "));
-}
-
 }  // namespace
