@@ -45,7 +45,7 @@ void Deliver(SdoEngine& engine, const SdoFrame& frame) {
 }
 
 // What no channel waits for, or finds no room, is dropped.
-void Accept(SdoEngine& engine, const SdoFrame& frame) {
+inline void Accept(SdoEngine& engine, const SdoFrame& frame) {
   if ((engine.filter.Flags(CobIdOf(frame)) & SDO_FILTER_CLIENT) != 0) engine.client->receive.Push(frame);
 }
 

@@ -105,27 +105,22 @@ bool AbortTransfer(SdoEngine& engine, SdoChannel& ch, std::uint8_t abortIndex) {
   const std::uint32_t code = kSdoAbortCodes[abortIndex];
   // Released first: an answer that the transmit hook feeds finds no transfer any more.
   const SdoFrame frame = AbortFrame(ch, code);
-  const bool reports = ch.state >= SdoState::UploadInitiated;
   ch.abortCode = code;
   ReleaseTransfer(engine, ch);
   const bool queued = SdoQueueFrame(engine, frame);
-  if (reports) ReportCompletion(engine, ch, false);
+  ReportCompletion(engine, ch, false);
   return queued;
-}
-
-void EndAborted(SdoEngine& engine, SdoChannel& ch, std::uint32_t abortCode) {
-  const bool reports = ch.state >= SdoState::UploadInitiated;
-  ch.abortCode = abortCode;
-  ReleaseTransfer(engine, ch);
-  if (reports) ReportCompletion(engine, ch, false);
 }
 
 void SendOrFail(SdoEngine& engine, SdoChannel& ch, const SdoFrame& frame) {
   if (!SdoQueueFrame(engine, frame)) FailTransfer(engine, ch, kAbortOutOfMemory);
 }
 
+// The index in the frame is not looked at: servers are known to send that of an earlier request, or 0.
 void OnAbortReceived(SdoEngine& engine, SdoChannel& ch, const SdoFrame& frame) {
-  if (!IsIdle(ch)) EndAborted(engine, ch, AbortCode(frame));
+  ch.abortCode = AbortCode(frame);
+  ReleaseTransfer(engine, ch);
+  ReportCompletion(engine, ch, false);
 }
 
 void SdoChannelTick(SdoEngine& engine, SdoChannel& ch) {

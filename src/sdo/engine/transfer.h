@@ -24,9 +24,6 @@ inline void FailTransfer(SdoEngine& engine, SdoChannel& ch, std::uint8_t abortIn
   AbortTransfer(engine, ch, abortIndex);
 }
 
-/// Ends the transfer without a frame: the other side knows `abortCode` already.
-void EndAborted(SdoEngine& engine, SdoChannel& ch, std::uint32_t abortCode);
-
 /// Queues the next frame of the transfer as `fill` writes it, or fails the transfer for want of room. The
 /// channel may have moved on when this returns, for the transmit hook may have fed the answer: send last.
 template <class Fill>
