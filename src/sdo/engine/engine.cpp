@@ -72,7 +72,9 @@ int SdoRead(SdoEngine& engine, std::uint8_t nodeId, std::uint16_t index, std::ui
 
 void SdoTick(SdoEngine& engine) {
   if (!engine.client) return;
-  for (SdoChannel* ch : engine.client->channels) SdoChannelTick(engine, *ch);
+  // By position: the completion hook may create channels, and the list may move.
+  auto& channels = engine.client->channels;
+  for (std::uint32_t i = 0; i < channels.Count(); ++i) SdoChannelTick(engine, *channels.begin()[i]);
 }
 
 SdoResult SdoResultOf(const SdoEngine& engine) {
