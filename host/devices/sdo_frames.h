@@ -62,7 +62,7 @@ BytesView SegmentData(const NSdk::CanFrame& frame);
 ///   byte 0     110 00 c s 0   c client makes a CRC, s size indicated
 ///   byte 4..7  s = 1: size in bytes
 struct BlockDownloadRequest {
-  bool crc;
+  bool crc = false;
   std::optional<std::uint32_t> size;
 };
 BlockDownloadRequest ReadBlockDownloadRequest(const NSdk::CanFrame& frame);

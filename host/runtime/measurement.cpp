@@ -27,7 +27,7 @@ class Measurement::Port final : public CanAdapterEvents {
       : mMeasurement(measurement), mChannel(std::move(channel)) {}
 
   std::uint32_t Number() const { return mChannel.number; }
-  CanAdapter& Adapter() { return *mChannel.adapter; }
+  CanAdapter& Adapter() const { return *mChannel.adapter; }
 
   void OnReceived(const NSdk::CanFrame& frame, Time time) override {
     mMeasurement.Seen(Number(), frame, time, NSdk::kCanReceived);
@@ -213,6 +213,7 @@ void Measurement::DeliverToBlocks(const SeenFrame& seen) {
   }
   const ComPtr<CanMessage> message = std::move(run->message);
   // By position: a block may stop the measurement from inside the call.
+  // NOLINTNEXTLINE(modernize-loop-convert)
   for (std::size_t position = 0; position < run->blocks.size(); ++position) {
     const auto events = run->blocks[position].canEvents;
     if (events) events->OnCanMessage(message.Get());

@@ -53,9 +53,9 @@ struct Entry {
 /// One field of a kind's record. Either the number or the text functions are set; all of them require an item
 /// of that kind. The default is what a new item holds.
 struct ItemField {
-  const char* key;
-  Encoding encoding;
-  InFile inFile;
+  const char* key = "";
+  Encoding encoding = Encoding::Decimal;
+  InFile inFile = InFile::Optional;
   Entry entry;
   std::uint32_t (*number)(const ZMsgItemInfo& item) = nullptr;
   /// False, and nothing changed, when the value does not fit the field.

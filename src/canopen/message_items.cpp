@@ -36,10 +36,10 @@ ZSDOItemInfo::ZSDOItemInfo(const bool* hexDisplay, std::uint32_t nodeId, std::ui
 
 std::string ZSDOItemInfo::GetAttributesText() const {
   const bool upload = record.upload != 0;
-  const std::string address = fmt::sprintf(ShowsHexadecimal() ? "%s, Node-ID %lu, COBID %s, Object %Xsub%X"
-                                                              : "%s, Node-ID %lu, COBID %s, Object %Xsub%lu",
-                                           upload ? "Upload" : "Download", record.nodeId,
-                                           CobIdText(record.cobIdTx), record.index, record.subIndex);
+  std::string address = fmt::sprintf(ShowsHexadecimal() ? "%s, Node-ID %lu, COBID %s, Object %Xsub%X"
+                                                        : "%s, Node-ID %lu, COBID %s, Object %Xsub%lu",
+                                     upload ? "Upload" : "Download", record.nodeId, CobIdText(record.cobIdTx),
+                                     record.index, record.subIndex);
   if (upload) return address;
   return fmt::sprintf("%s, Size %lu, Data %s", address, record.objectSize, record.data);
 }

@@ -37,7 +37,7 @@ constexpr wchar_t kDataKey[] = L"Data";
 std::vector<std::uint8_t> ScanBytes(std::string_view text) {
   std::vector<std::uint8_t> bytes;
   while (bytes.size() < kMaxStoredBytes) {
-    const auto value = ScanInteger(text, ScanBase::kAutomatic);
+    const auto value = ScanInteger(text, ScanBase::Automatic);
     if (!value) break;
     bytes.push_back(static_cast<std::uint8_t>(*value & 0xFF));
   }
@@ -117,7 +117,7 @@ class ZCANMessage final : public NCom::Implements<NSdk::ICANMessage, NSdk::IPers
       if (reader.ReadText(key, text.Receive()) != S_OK) return;
       const std::string digits = ToItemText(text.Text());
       std::string_view rest = digits;
-      if (const auto value = ScanInteger(rest, ScanBase::kDecimal)) mRecord.*field = *value;
+      if (const auto value = ScanInteger(rest, ScanBase::Decimal)) mRecord.*field = *value;
     }
     if (reader.ReadText(kDataKey, text.Receive()) != S_OK) return;
     mRecord.data = ScanBytes(ToItemText(text.Text()));

@@ -17,7 +17,7 @@ bool StartsWithDigit(std::string_view text, std::uint32_t base) {
 }
 
 std::uint32_t TakeBase(std::string_view& text, ScanBase base) {
-  if (base == ScanBase::kDecimal || !text.starts_with('0')) return 10;
+  if (base == ScanBase::Decimal || !text.starts_with('0')) return 10;
   if (!text.starts_with("0x") && !text.starts_with("0X")) return 8;
   text.remove_prefix(2);
   return 16;

@@ -7,8 +7,8 @@
 namespace NCommon {
 
 enum class ScanBase {
-  kDecimal,    ///< as scanf's %d reads
-  kAutomatic,  ///< as scanf's %i reads: "0x" hexadecimal, another leading "0" octal
+  Decimal,    ///< as scanf's %d reads
+  Automatic,  ///< as scanf's %i reads: "0x" hexadecimal, another leading "0" octal
 };
 
 /// Takes a whole number with optional sign, and the blanks before it, off the front of the text. Empty

@@ -20,12 +20,12 @@ bool Skip(std::string_view& text, char wanted) {
 
 // Takes the prefix that tells the base off the text. An octal number keeps its "0": it may be all there is.
 int TakeBase(std::string_view& text, NumberBase base) {
-  if (base == NumberBase::kDecimal) return 10;
+  if (base == NumberBase::Decimal) return 10;
   if (HasHexadecimalPrefix(text)) {
     text.remove_prefix(2);
     return 16;
   }
-  if (base == NumberBase::kHexadecimal) return 16;
+  if (base == NumberBase::Hexadecimal) return 16;
   return text.starts_with('0') ? 8 : 10;
 }
 
@@ -52,7 +52,7 @@ std::optional<std::int64_t> ReadSigned(std::string_view text) {
   SkipBlanks(text);
   const bool negative = Skip(text, '-');
   if (!negative) Skip(text, '+');
-  const auto magnitude = ReadMagnitude(text, NumberBase::kAutomatic);
+  const auto magnitude = ReadMagnitude(text, NumberBase::Automatic);
   const std::uint64_t limit = static_cast<std::uint64_t>(INT64_MAX) + (negative ? 1 : 0);
   if (!magnitude || *magnitude > limit) return std::nullopt;
   return static_cast<std::int64_t>(negative ? 0 - *magnitude : *magnitude);

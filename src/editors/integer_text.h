@@ -9,9 +9,9 @@
 namespace NEditors {
 
 enum class NumberBase {
-  kAutomatic,  ///< "0x" or "0X" hexadecimal, another leading "0" octal, else decimal
-  kDecimal,
-  kHexadecimal,  ///< "0x" or "0X" may stand in front
+  Automatic,  ///< "0x" or "0X" hexadecimal, another leading "0" octal, else decimal
+  Decimal,
+  Hexadecimal,  ///< "0x" or "0X" may stand in front
 };
 
 /// Reads the whole text as a number from 0 to `max`. Blanks and one "+" may stand in front, nothing behind. A

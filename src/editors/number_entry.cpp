@@ -35,7 +35,7 @@ bool Fail(std::wstring& message, std::uint32_t id, Bounds... bounds) {
 
 template <class Unsigned>
 bool Parse(std::string_view text, bool hexadecimal, Unsigned& value, std::wstring& message) {
-  const auto base = hexadecimal ? NumberBase::kHexadecimal : NumberBase::kDecimal;
+  const auto base = hexadecimal ? NumberBase::Hexadecimal : NumberBase::Decimal;
   const auto number = ReadUnsigned(text, base, std::numeric_limits<Unsigned>::max());
   if (!number) return Fail(message, IDS_ENTRY_SYNTAX);
   value = static_cast<Unsigned>(*number);
@@ -116,7 +116,7 @@ bool ParseCanId(std::string_view text, std::uint32_t& identifier, std::wstring& 
   const bool extended = digits.ends_with('x');
   if (extended && !extendedAllowed) return Fail(message, IDS_ENTRY_MAX_HEX, kMaxStandardId);
   while (digits.ends_with('x')) digits.pop_back();
-  const auto number = ReadUnsigned(digits, NumberBase::kHexadecimal, kMost<std::uint32_t>);
+  const auto number = ReadUnsigned(digits, NumberBase::Hexadecimal, kMost<std::uint32_t>);
   if (!number) return Fail(message, IDS_ENTRY_SYNTAX);
   const auto value = static_cast<std::uint32_t>(*number);
   if (extended) {

@@ -42,7 +42,7 @@ Bytes LittleEndian(Unsigned value) {
 }
 
 std::optional<Bytes> EncodeUnsigned(std::string_view value) {
-  const auto number = ReadUnsigned(value, NumberBase::kAutomatic);
+  const auto number = ReadUnsigned(value, NumberBase::Automatic);
   return number ? std::optional(LittleEndian(*number)) : std::nullopt;
 }
 
@@ -66,7 +66,7 @@ std::optional<Bytes> EncodeByteArray(std::string_view value) {
   bytes.reserve(digits.size() / 2);
   for (std::size_t position = 0; position < digits.size(); position += 2) {
     const auto pair = std::string_view(digits).substr(position, 2);
-    const auto byte = ReadUnsigned(pair, NumberBase::kHexadecimal, 0xFF);
+    const auto byte = ReadUnsigned(pair, NumberBase::Hexadecimal, 0xFF);
     if (!byte) return std::nullopt;
     bytes.push_back(static_cast<std::uint8_t>(*byte));
   }
@@ -113,7 +113,7 @@ std::optional<Bytes> Encode(DataType type, std::string_view value, std::uint32_t
 }
 
 std::optional<std::uint64_t> NaturalUnsigned(std::string_view value) {
-  const auto number = ReadUnsigned(value, NumberBase::kAutomatic);
+  const auto number = ReadUnsigned(value, NumberBase::Automatic);
   if (!number) return std::nullopt;
   std::uint64_t size = 1;
   while (size < 8 && (*number >> (8 * size)) != 0) ++size;
