@@ -53,7 +53,8 @@ AbortCode CheckPdoParameter(const Write& write) {
   }
 }
 
-// PDO mapping, 7.5.2.36 and 7.5.2.38: it changes while the PDO is not valid, its entries while there are none in force.
+// PDO mapping, 7.5.2.36 and 7.5.2.38: it changes while the PDO is not valid, its entries while there are none
+// in force.
 AbortCode CheckPdoMapping(const Write& write) {
   const auto parameter = static_cast<std::uint16_t>(write.address.index - kPdoMappingOffset);
   if (IsValid(write.objects.Number({parameter, kPdoCobId}, kCobIdNotValid))) {

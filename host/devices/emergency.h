@@ -18,18 +18,21 @@ inline constexpr std::uint8_t kGenericError = 0x01;
 inline constexpr std::uint8_t kCommunicationError = 0x10;
 
 struct DeviceError {
-  std::uint16_t code = 0;               ///< 0 means no error and is nothing to raise
-  std::uint8_t registerBits = 0;        ///< beside the generic bit, which every error sets
-  std::array<std::uint8_t, 5> info{};   ///< manufacturer-specific
+  std::uint16_t code = 0;              ///< 0 means no error and is nothing to raise
+  std::uint8_t registerBits = 0;       ///< beside the generic bit, which every error sets
+  std::array<std::uint8_t, 5> info{};  ///< manufacturer-specific
 };
 
 class Emergency {
  public:
-  Emergency(ObjectDictionary& objects, FrameSink& bus) : mObjects(objects), mBus(bus) { mErrors.reserve(kMaxErrors); }
+  Emergency(ObjectDictionary& objects, FrameSink& bus) : mObjects(objects), mBus(bus) {
+    mErrors.reserve(kMaxErrors);
+  }
 
   /// Forgets all errors, without a message.
   void Reset();
-  /// Forgets those of communication. Call it when the communication objects have got their first values again.
+  /// Forgets those of communication. Call it when the communication objects have got their first values
+  /// again.
   void ResetCommunication();
 
   /// From now on messages leave, or they do not (the NMT state): what happens meanwhile still stands in

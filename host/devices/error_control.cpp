@@ -10,7 +10,9 @@ constexpr ObjectAddress kHeartbeatTime = {0x1017, 0};  // ms
 
 }  // namespace
 
-Time ErrorControl::HeartbeatTime() const { return std::chrono::milliseconds(mObjects.Number(kHeartbeatTime)); }
+Time ErrorControl::HeartbeatTime() const {
+  return std::chrono::milliseconds(mObjects.Number(kHeartbeatTime));
+}
 
 Time ErrorControl::LifeTime() const {
   return std::chrono::milliseconds(std::uint64_t{mObjects.Number(kGuardTime)} *

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <stdexcept>
+#include <utility>
 
 namespace NDevices {
 namespace {
@@ -20,7 +21,8 @@ std::vector<Entry>::const_iterator ObjectDictionary::LowerBound(ObjectAddress ad
 }
 
 void ObjectDictionary::Add(Entry entry) {
-  if (!SuitsType(entry)) throw std::invalid_argument("the value or a limit of an object does not suit its type");
+  if (!SuitsType(entry))
+    throw std::invalid_argument("the value or a limit of an object does not suit its type");
   const auto place = LowerBound(entry.address);
   if (place != mEntries.end() && place->address == entry.address) {
     throw std::invalid_argument("an object stands twice in the dictionary");

@@ -53,10 +53,10 @@ AbortCode CheckMappedObject(const ObjectDictionary& objects, std::uint32_t mappi
 
 AbortCode CheckMapping(const ObjectDictionary& objects, std::uint16_t index, std::uint32_t count,
                        PdoDirection direction) {
-  if (count > kMaxBits) return AbortCode::PdoTooLong;
+  const bool hasPlaces = count <= kMaxBits && objects.Find({index, static_cast<std::uint8_t>(count)});
+  if (!hasPlaces) return AbortCode::PdoTooLong;
   std::uint32_t bits = 0;
   for (std::uint32_t place = 1; place <= count; ++place) {
-    if (!objects.Find({index, static_cast<std::uint8_t>(place)})) return AbortCode::PdoTooLong;
     const std::uint32_t mapping = MappingAt(objects, index, place);
     const AbortCode code = CheckMappedObject(objects, mapping, direction);
     if (code != AbortCode::None) return code;

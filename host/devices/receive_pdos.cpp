@@ -23,20 +23,20 @@ void ReceivePdos::DropWaiting() {
   for (Pdo& pdo : mPdos) pdo.waits = false;
 }
 
-bool ReceivePdos::OnFrame(const NSdk::CanFrame& frame) {
-  bool longEnough = true;
+ReceivePdos::Outcome ReceivePdos::OnFrame(const NSdk::CanFrame& frame) {
+  Outcome outcome = Outcome::NotForThese;
   for (Pdo& pdo : mPdos) {
     if (IsRemote(frame) || !Matches(frame, pdo.cobId)) continue;
-    if (LengthOf(frame) < pdo.mapping.Length()) {
-      longEnough = false;
-    } else if (pdo.synchronous) {
+    if (LengthOf(frame) < pdo.mapping.Length()) return Outcome::TooShort;
+    outcome = Outcome::Taken;
+    if (pdo.synchronous) {
       pdo.received = frame;
       pdo.waits = true;
     } else {
       pdo.mapping.Unpack(frame.data, mStore);
     }
   }
-  return longEnough;
+  return outcome;
 }
 
 void ReceivePdos::OnSync() {

@@ -21,8 +21,9 @@ class ReceivePdos {
   /// Drops what waits for a SYNC.
   void DropWaiting();
 
-  /// False: a frame for one of the PDOs is too short for its mapping and was left alone.
-  bool OnFrame(const NSdk::CanFrame& frame);
+  enum class Outcome { NotForThese, Taken, TooShort };
+  /// TooShort: for the mapping of one of the PDOs, which was left alone.
+  Outcome OnFrame(const NSdk::CanFrame& frame);
   void OnSync();
 
  private:

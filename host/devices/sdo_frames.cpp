@@ -11,14 +11,14 @@ using NSdk::CanFrame;
 
 // Client command specifiers, bits 7..5 of byte 0.
 constexpr SdoCommand kCommands[8] = {
-    SdoCommand::DownloadSegment,      // 000
-    SdoCommand::DownloadInitiate,     // 001
-    SdoCommand::UploadInitiate,       // 010
-    SdoCommand::UploadSegment,        // 011
-    SdoCommand::Abort,                // 100
-    SdoCommand::BlockUploadInitiate,  // 101, one of four
+    SdoCommand::DownloadSegment,        // 000
+    SdoCommand::DownloadInitiate,       // 001
+    SdoCommand::UploadInitiate,         // 010
+    SdoCommand::UploadSegment,          // 011
+    SdoCommand::Abort,                  // 100
+    SdoCommand::BlockUploadInitiate,    // 101, one of four
     SdoCommand::BlockDownloadInitiate,  // 110, one of two
-    SdoCommand::Unknown,              // 111
+    SdoCommand::Unknown,                // 111
 };
 
 // Sub-commands: bits 1..0 in a block upload, bit 0 in a block download.

@@ -23,8 +23,7 @@ void TransmitPdos::Load(Time now) {
     pdo.type = mObjects.Number({index, kPdoTransmissionType}, 255);
     pdo.inhibitTime = kInhibitUnit * mObjects.Number({index, kPdoInhibitTime});
     pdo.eventTime = std::chrono::milliseconds(mObjects.Number({index, kPdoEventTimer}));
-    pdo.mapping.Load(mObjects, static_cast<std::uint16_t>(index + kPdoMappingOffset),
-                     PdoDirection::Transmit);
+    pdo.mapping.Load(mObjects, static_cast<std::uint16_t>(index + kPdoMappingOffset), PdoDirection::Transmit);
     Begin(pdo, now);
     mPdos.push_back(std::move(pdo));
   }

@@ -38,9 +38,9 @@ class TransmitPdos {
     PdoMapping mapping;
 
     std::uint32_t syncCount = 0;
-    bool event = false;          // something happened that has not been sent
-    Time allowedFrom{};          // by the inhibit time
-    Time eventDue = kNever;      // by the event timer
+    bool event = false;      // something happened that has not been sent
+    Time allowedFrom{};      // by the inhibit time
+    Time eventDue = kNever;  // by the event timer
 
     bool IsEventDriven() const { return type >= kFirstEventDriven; }
   };

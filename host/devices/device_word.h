@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace NDevices {
+
+/// A simulated device as a user names it: NODE, or NODE:FILE with a description of its objects.
+struct DeviceWord {
+  unsigned char nodeId = 0;  ///< 1..127
+  std::string description;   ///< path of the file in UTF-8, empty = the built-in I/O device
+};
+
+/// Throws std::runtime_error, one line that names the word and what is wrong with it. A file is not looked
+/// at.
+DeviceWord ParseDeviceWord(std::string_view word);
+
+}  // namespace NDevices
