@@ -1,0 +1,75 @@
+#pragma once
+// What the tests of the simulated devices share: a device on a virtual clock, and scripts of frames.
+
+#include <gtest/gtest.h>
+
+#include <deque>
+#include <string>
+#include <vector>
+
+#include "host/devices/device.h"
+#include "host/devices/profile.h"
+
+namespace NDevicesTest {
+
+using namespace std::chrono_literals;
+using NDevices::Bytes;
+using NDevices::Time;
+
+inline constexpr std::uint8_t kNode = 5;
+
+enum Direction { TX, RX };  // TX: to the device
+
+/// One frame of an SDO transfer, as a trace shows it: "40 17 10 00". Bytes that are left out are 0.
+struct Line {
+  Direction direction;
+  std::string bytes;
+};
+
+/// "605 40 17 10 00": identifier and data; "705 R": remote frame.
+NSdk::CanFrame Frame(const std::string& text);
+std::string Text(const NSdk::CanFrame& frame);
+/// "01 02 03"
+std::string Hex(const Bytes& bytes);
+/// 1, 2, 3, ...
+Bytes Counting(std::size_t size);
+
+/// A device with node-ID 5 and the built-in objects, powered on, its boot-up message taken off.
+class Bench final : public NDevices::FrameSink {
+ public:
+  explicit Bench(NDevices::DeviceOptions options = {.nodeId = kNode, .sdo = {}, .misbehaviour = {}});
+
+  void Send(const NSdk::CanFrame& frame) override;
+
+  void Feed(const std::string& frame) { device.OnFrame(Frame(frame), now); }
+  /// An SDO request: eight bytes to 605.
+  void Request(const std::string& bytes);
+  /// Time passes; whatever is due on the way happens at its moment.
+  void RunFor(Time duration);
+  /// Requests and the answers to them, and nothing else.
+  void Play(const std::vector<Line>& script);
+
+  void Start() { Feed("000 01 00"); }
+  void SetNumber(NDevices::ObjectAddress address, std::uint32_t value);
+  void SetBytes(NDevices::ObjectAddress address, const Bytes& value);
+  /// Writes by expedited download and expects that it is accepted, or refused with the code.
+  void Download(NDevices::ObjectAddress address, std::uint32_t value, std::size_t size,
+                std::uint32_t abortCode = 0);
+  std::uint32_t Number(NDevices::ObjectAddress address) const { return device.Objects().Number(address); }
+  Bytes Value(NDevices::ObjectAddress address) const { return device.Objects().Find(address)->value; }
+
+  /// Everything sent since the last call, "185 00 00".
+  std::vector<std::string> Sent();
+  /// As Sent, with the milliseconds since `start` in front: "20: 185 00 00".
+  std::vector<std::string> SentSince(Time start);
+
+  struct SentFrame {
+    NSdk::CanFrame frame;
+    Time time;
+  };
+  std::deque<SentFrame> sent;
+  Time now = 1h;
+  NDevices::Device device;
+};
+
+}  // namespace NDevicesTest
