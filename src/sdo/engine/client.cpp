@@ -50,7 +50,7 @@ SdoStatus SdoCreateChannel(SdoEngine& engine, std::uint8_t channel) {
     SdoOdRemove(engine, entry.index, 0);
     return SDO_E_LIST;
   }
-  ch.release();  // the list owns it now
+  static_cast<void>(ch.release());  // the list owns it now
   return SDO_OK;
 }
 
