@@ -35,8 +35,10 @@ class Recorder final : public NRuntime::MeasurementObserver, public NBench::Gene
 std::vector<Time> Record(std::chrono::seconds duration, const std::filesystem::path& sequence) {
   Recorder recorder;
   recorder.times.reserve(static_cast<std::size_t>(duration / kPeriod) + 10);
-  NBench::Host host({{{1, "virtual"}}, NSdk::kHostHalvard, OSTREL_MODULE}, recorder,
-                    [](const std::string&) {});
+  NBench::HostOptions options;
+  options.channels.push_back({1, "virtual"});
+  options.module = OSTREL_MODULE;
+  NBench::Host host(options, recorder, [](const std::string&) {});
   NBench::GeneratorBlock block(host.Module(), host.Application(), {{L"CANChannel", L"1"}}, recorder);
   block.LoadSequence(sequence);
   host.Measurement().Start({block.Object()});
@@ -72,7 +74,7 @@ int Print(const std::vector<Time>& times) {
   const double error = 100 * (mean / Milliseconds(kPeriod) - 1);
   std::printf("periods                 %lld in %.1f s, %lld missed\n", periods,
               Milliseconds(times.back() - times[1]) / 1000,
-              periods - static_cast<long long>(deviations.size()));
+              std::max(0LL, periods - static_cast<long long>(deviations.size())));
   std::printf("mean period             %.6f ms, %+.4f %% (wanted: within 0.1 %%)\n", mean, error);
   std::printf("deviation 50 %%          %.3f ms\n", percentile(50));
   std::printf("deviation 99 %%          %.3f ms\n", percentile(99));
