@@ -1,5 +1,7 @@
 #include "host/bench/host.h"
 
+#include <algorithm>
+
 #include "host/bench/console.h"
 #include "host/runtime/text.h"
 
@@ -11,8 +13,27 @@ constexpr char kModuleName[] = "Ostrel.hpi";
 std::vector<NRuntime::CanChannel> MakeChannels(NBuses::BusFactory& factory,
                                                const std::vector<ChannelOption>& options) {
   std::vector<NRuntime::CanChannel> channels;
+  channels.reserve(options.size());
   for (const ChannelOption& option : options) channels.push_back({option.number, factory.Make(option.bus)});
   return channels;
+}
+
+const std::string& BusOf(const HostOptions& options, std::uint32_t channel) {
+  const auto found = std::find_if(options.channels.begin(), options.channels.end(),
+                                  [&](const ChannelOption& option) { return option.number == channel; });
+  return found->bus;
+}
+
+std::vector<std::unique_ptr<NDevices::DeviceOnBus>> MakeDevices(NRuntime::Loop& loop,
+                                                                NBuses::BusFactory& factory,
+                                                                const HostOptions& options) {
+  std::vector<std::unique_ptr<NDevices::DeviceOnBus>> devices;
+  devices.reserve(options.devices.size());
+  for (const DeviceOption& option : options.devices) {
+    devices.push_back(
+        NDevices::AttachDevice(loop, factory.Make(BusOf(options, option.channel)), option.device));
+  }
+  return devices;
 }
 
 NRuntime::ConfigurationData MakeConfiguration(const std::vector<ChannelOption>& channels) {
@@ -45,7 +66,8 @@ class TextDialogs final : public NRuntime::Implements<NSdk::IUserDialogs> {
 
 Host::Host(const HostOptions& options, NRuntime::MeasurementObserver& observer,
            std::function<void(const std::string&)> showMessage)
-    : mMeasurement(mLoop, MakeChannels(mBuses, options.channels), observer),
+    : mDevices(MakeDevices(mLoop, mBuses, options)),
+      mMeasurement(mLoop, MakeChannels(mBuses, options.channels), observer),
       mApplication(NRuntime::Make<NRuntime::Application>(
           NRuntime::ApplicationSettings{options.variant, 1, 10}, MakeConfiguration(options.channels))),
       mModule(options.module.value_or(ProgramFolder() / kModuleName)) {
@@ -53,6 +75,10 @@ Host::Host(const HostOptions& options, NRuntime::MeasurementObserver& observer,
       NRuntime::ComPtr<NSdk::IUserDialogs>::Own(new TextDialogs(std::move(showMessage))));
   mApplication->SetMeasuringQuery([this] { return mMeasurement.IsRunning(); });
   mModule.Initialise(*mApplication);
+}
+
+void Host::PowerOnDevices() {
+  for (const auto& device : mDevices) device->PowerOn();
 }
 
 }  // namespace NBench

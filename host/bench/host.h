@@ -3,11 +3,13 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "host/buses/bus_factory.h"
+#include "host/devices/device_on_bus.h"
 #include "host/runtime/application.h"
 #include "host/runtime/asio_loop.h"
 #include "host/runtime/measurement.h"
@@ -20,8 +22,15 @@ struct ChannelOption {
   std::string bus;  ///< KIND[:ADDRESS][,OPTION=VALUE...]
 };
 
+/// A simulated device on the bus of a channel.
+struct DeviceOption {
+  std::uint32_t channel = 0;
+  NDevices::DeviceWord device;
+};
+
 struct HostOptions {
   std::vector<ChannelOption> channels;  ///< numbers differ
+  std::vector<DeviceOption> devices;    ///< on channels of the list
   NSdk::HostVariant variant = NSdk::kHostHalvard;
   std::optional<std::filesystem::path> module;  ///< empty: the one beside the program
 };
@@ -35,6 +44,9 @@ class Host {
   Host(const HostOptions& options, NRuntime::MeasurementObserver& observer,
        std::function<void(const std::string&)> showMessage);
 
+  /// Lets the simulated devices boot. Throws std::runtime_error when one cannot join its bus.
+  void PowerOnDevices();
+
   NRuntime::AsioLoop& Loop() { return mLoop; }
   NRuntime::Application& Application() { return *mApplication; }
   NRuntime::Module& Module() { return mModule; }
@@ -43,6 +55,7 @@ class Host {
  private:
   NRuntime::AsioLoop mLoop;
   NBuses::BusFactory mBuses{mLoop};
+  std::vector<std::unique_ptr<NDevices::DeviceOnBus>> mDevices;
   NRuntime::Measurement mMeasurement;
   NRuntime::ComPtr<NRuntime::Application> mApplication;
   NRuntime::Module mModule;

@@ -47,6 +47,8 @@ What is sent, and how:
   --cyclic           Send the cyclic list too, from the beginning
   --for SECONDS      Run for this long
   --delay MS         Pause between two items, 1 to 100000 (default: 10)
+  --device NODE      Put a simulated CANopen device on the generator's bus, an I/O
+                     device with this node-ID; may be given several times
   --variant NAME     Kind of host to be, halvard or tesmond (default: halvard)
   --module PATH      Module to load (default: Ostrel.hpi beside this program)
 
@@ -72,6 +74,8 @@ Examples:
       Each item of the sequence once, every frame as it leaves.
   ostrel-bench play first-steps.seq --cyclic --for 5 --log out.log
       Five seconds with the cyclic list, into a log for can-utils.
+  ostrel-bench play first-steps.seq --device 5 --transfers
+      Against a simulated device, its SDO transfers in words.
   ostrel-bench play first-steps.seq --json > frames.json
       For a script.
 )";
@@ -151,11 +155,24 @@ std::uint32_t ChooseChannel(const std::optional<std::string>& text,
   return lowest;
 }
 
+// Two devices of one node-ID would answer each other's requests.
+std::vector<DeviceOption> ParseDevices(const std::vector<std::string>& texts, std::uint32_t channel) {
+  std::vector<DeviceOption> devices;
+  for (const std::string& text : texts) {
+    NDevices::DeviceWord word = NDevices::ParseDeviceWord(text);
+    for (const DeviceOption& other : devices) {
+      if (other.device.nodeId == word.nodeId) Refuse("--device", text, "this node-ID is given twice");
+    }
+    devices.push_back({channel, std::move(word)});
+  }
+  return devices;
+}
+
 // The options as text, before anything is checked.
 struct Texts {
   std::string sequence, delay = "10", variant = "halvard";
   std::optional<std::string> channel, duration, log, module;
-  std::vector<std::string> channels;
+  std::vector<std::string> channels, devices;
   bool cyclic = false, json = false, times = false, words = false;
   bool frames = false, transfers = false;
 };
@@ -165,6 +182,7 @@ CLI::App* AddPlay(CLI::App& app, Texts& texts) {
   CLI::App* play = app.add_subcommand("play");
   play->add_option("FILE.seq", texts.sequence)->required();
   play->add_option("--can", texts.channels)->allow_extra_args(false);
+  play->add_option("--device", texts.devices)->allow_extra_args(false);
   play->add_option("--channel", texts.channel);
   play->add_flag("--cyclic", texts.cyclic);
   play->add_option("--for", texts.duration);
@@ -185,6 +203,7 @@ PlayOptions Check(const Texts& texts) {
   options.sequence = NRuntime::ToPath(texts.sequence);
   options.host.channels = ParseChannels(texts.channels);
   options.channel = ChooseChannel(texts.channel, options.host.channels);
+  options.host.devices = ParseDevices(texts.devices, options.channel);
   options.cyclic = texts.cyclic;
   options.json = texts.json;
   // A program that reads the output expects frames alone; a person sees the transfers as well.

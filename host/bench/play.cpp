@@ -107,6 +107,7 @@ void Player::Start() {
   mStart_utc = std::chrono::system_clock::now().time_since_epoch();
   try {
     mHost.Measurement().Start({mGenerator.Object()});
+    mHost.PowerOnDevices();
     StartTransmission();
   } catch (...) {
     mHost.Measurement().Stop();

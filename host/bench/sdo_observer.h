@@ -76,7 +76,7 @@ class SdoObserver {
 /// "object does not exist" for 06020000h (CiA 301, 7.2.4.3.17); empty for a code that it does not name.
 std::string AbortText(std::uint32_t code);
 
-/// One line: "SDO upload from node 5, 1008h sub 0, segmented: 18 bytes in 2.4 ms".
+/// One line: "SDO upload from node 5, 1008h sub 0, segmented: 18 bytes in 2.40 ms".
 std::string InWords(const SdoTransfer& transfer);
 
 }  // namespace NBench

@@ -81,22 +81,27 @@ std::string DataInWords(const SdoTransfer& transfer) {
   return transfer.bytes > kShownData ? words + " ..." : words;
 }
 
-std::string OutcomeInWords(const SdoTransfer& transfer) {
-  char text[96];
+// Two digits behind the point where a transfer took no time to speak of, as on a bus inside the program.
+std::string DurationInWords(const SdoTransfer& transfer) {
+  char text[32];
   const double milliseconds =
       std::chrono::duration<double, std::milli>(transfer.ended - transfer.started).count();
+  std::snprintf(text, sizeof text, "%.*f ms", milliseconds < 10 ? 2 : 0, milliseconds);
+  return text;
+}
+
+std::string OutcomeInWords(const SdoTransfer& transfer) {
   if (transfer.outcome == SdoOutcome::Ok) {
-    std::snprintf(text, sizeof text, "%llu byte%s in %.1f ms",
-                  static_cast<unsigned long long>(transfer.bytes), transfer.bytes == 1 ? "" : "s",
-                  milliseconds);
-    return transfer.data.empty() ? text : text + (": " + DataInWords(transfer));
+    const std::string bytes = std::to_string(transfer.bytes) + (transfer.bytes == 1 ? " byte" : " bytes");
+    const std::string data = transfer.data.empty() ? "" : ": " + DataInWords(transfer);
+    return bytes + " in " + DurationInWords(transfer) + data;
   }
   if (transfer.abortCode == 0) return "no answer until the end";
+  char code[12];
+  std::snprintf(code, sizeof code, "%08lX", static_cast<unsigned long>(transfer.abortCode));
   const std::string meaning = AbortText(transfer.abortCode);
-  std::snprintf(text, sizeof text, "%s after %.1f ms, %08lX",
-                transfer.outcome == SdoOutcome::TimedOut ? "timed out" : "aborted", milliseconds,
-                static_cast<unsigned long>(transfer.abortCode));
-  return meaning.empty() ? text : text + (" (" + meaning + ")");
+  return (transfer.outcome == SdoOutcome::TimedOut ? "timed out after " : "aborted after ") +
+         DurationInWords(transfer) + ", " + code + (meaning.empty() ? "" : " (" + meaning + ")");
 }
 
 }  // namespace

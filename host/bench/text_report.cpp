@@ -50,7 +50,9 @@ class TextReport final : public Report {
   }
 
   void Transferred(const SdoTransfer& transfer) override {
-    if (mView.transfers) mOutput.Write("  " + InWords(transfer) + '\n');
+    if (!mView.transfers) return;
+    const std::size_t indent = mView.times ? NBuses::ConsoleTime({}).size() : 0;
+    mOutput.Write(std::string(indent, ' ') + "  " + InWords(transfer) + '\n');
   }
 
   void Finish(const Tally& tally) override {

@@ -61,6 +61,8 @@ TEST_F(BadInput, OnTheCommandLine) {
       {"--delay 100001", "--delay 100001"},
       {"--delay 4294967297", "--delay 4294967297"},
       {"--variant other", "--variant other"},
+      {"--device 0", "device \"0\""},
+      {"--device 5 --device 5", "--device 5"},
       {"--frob", "--frob"},
       {"second.seq", "second.seq"},
   };

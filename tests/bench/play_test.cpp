@@ -123,4 +123,29 @@ TEST(Help, NamesEveryOption) {
   }
 }
 
+TEST_F(Play, TransfersWithASimulatedDeviceAreOfEveryKind) {
+  const std::string example = NTest::Quoted(OSTREL_SOURCE_DIR "/examples/sdo-transfers.seq");
+  const auto outcome = NTest::RunBench("play " + example + "--device 5 --json", folder);
+  EXPECT_EQ(outcome.status, 0) << outcome.errors;
+  std::vector<std::string> seen;
+  for (const json& transfer : json::parse(outcome.output)["transfers"]) {
+    seen.push_back(transfer["kind"].get<std::string>() + ' ' + transfer["direction"].get<std::string>() +
+                   ' ' + transfer["bytes"].dump() + ' ' + transfer["result"].get<std::string>() + ' ' +
+                   transfer["abort"].dump());
+  }
+  EXPECT_THAT(seen, testing::ElementsAre("expedited upload 4 ok null", "expedited download 2 ok null",
+                                         "segmented upload 20 ok null", "segmented download 15 ok null",
+                                         "block upload 4096 ok null", "block download 500 ok null",
+                                         "expedited upload 0 aborted \"06020000\"",
+                                         "expedited download 4 aborted \"06010002\""));
+}
+
+TEST_F(Play, ATransferThatCannotStartIsAnError) {
+  const auto outcome =
+      Run(R"(<SDO NodeID="0" Upload="1" AutoCANID="0" Enabled="1"/>)" + std::string(kSync), "", "");
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_THAT(outcome.errors, HasSubstr("SDO transfer not started"));
+  EXPECT_THAT(outcome.output, HasSubstr("080   [0]")) << "the sequence goes on";
+}
+
 }  // namespace
