@@ -213,7 +213,6 @@ void Measurement::DeliverToBlocks(const SeenFrame& seen) {
   }
   const ComPtr<CanMessage> message = std::move(run->message);
   // By position: a block may stop the measurement from inside the call.
-  // NOLINTNEXTLINE(modernize-loop-convert)
   for (std::size_t position = 0; position < run->blocks.size(); ++position) {
     const auto events = run->blocks[position].canEvents;
     if (events) events->OnCanMessage(message.Get());

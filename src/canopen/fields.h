@@ -50,6 +50,7 @@ constexpr ItemField Text(const char* key) {
   using Record = typename MemberTypes<decltype(Member)>::Record;
   ItemField field = {key, Encoding::Text, InFile::Optional, {}};
   field.text = [](const ZMsgItemInfo& item) -> const std::string& { return RecordOf<Record>(item).*Member; };
+  // NOLINTNEXTLINE(performance-unnecessary-value-param): it is moved on
   field.setText = [](ZMsgItemInfo& item, std::string value) {
     RecordOf<Record>(item).*Member = std::move(value);
   };
