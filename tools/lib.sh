@@ -28,16 +28,6 @@ die() {
   exit 1
 }
 
-as_root() {
-  if [ "$(id -u)" -eq 0 ]; then
-    "$@"
-  elif command -v sudo >/dev/null; then
-    sudo "$@"
-  else
-    die "neither root nor sudo: as root, run: $*"
-  fi
-}
-
 # missing_packages NAME...: those of them that are not installed, one per line.
 missing_packages() {
   local installed
@@ -51,9 +41,13 @@ need() {
   wanted=$(for group in "$@"; do packages_of "$group"; done)
   mapfile -t missing < <(missing_packages $wanted)
   [ "${#missing[@]}" -eq 0 ] && return
+  local as_root=()
+  if [ "$(id -u)" -ne 0 ]; then
+    command -v sudo >/dev/null || die "neither root nor sudo; let root run: apt-get install ${missing[*]}"
+    as_root=(sudo)
+  fi
+  as_root+=(env DEBIAN_FRONTEND=noninteractive apt-get -qq)
   say "installing ${missing[*]}"
-  as_root env DEBIAN_FRONTEND=noninteractive apt-get -qq update ||
-    say "apt-get update failed; going on with the lists that are there"
-  as_root env DEBIAN_FRONTEND=noninteractive apt-get -qq -o Dpkg::Use-Pty=0 install -y --no-install-recommends \
-    "${missing[@]}" >/dev/null
+  "${as_root[@]}" update || say "apt-get update failed; going on with the lists that are there"
+  "${as_root[@]}" -o Dpkg::Use-Pty=0 install -y --no-install-recommends "${missing[@]}" >/dev/null
 }
