@@ -127,8 +127,9 @@ TEST_F(Play, TransfersWithASimulatedDeviceAreOfEveryKind) {
   const std::string example = NTest::Quoted(OSTREL_SOURCE_DIR "/examples/sdo-transfers.seq");
   const auto outcome = NTest::RunBench("play " + example + "--device 5 --json", folder);
   EXPECT_EQ(outcome.status, 0) << outcome.errors;
+  const json document = json::parse(outcome.output);
   std::vector<std::string> seen;
-  for (const json& transfer : json::parse(outcome.output)["transfers"]) {
+  for (const json& transfer : document["transfers"]) {
     seen.push_back(transfer["kind"].get<std::string>() + ' ' + transfer["direction"].get<std::string>() +
                    ' ' + transfer["bytes"].dump() + ' ' + transfer["result"].get<std::string>() + ' ' +
                    transfer["abort"].dump());
