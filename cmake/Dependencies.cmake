@@ -24,7 +24,9 @@ if(WIN32)
 endif()
 
 ostrel_header_library(dep_fmt PATHS fmt DEFINITIONS FMT_HEADER_ONLY)
-ostrel_header_library(dep_asio PATHS asio asio.hpp DEFINITIONS ASIO_STANDALONE
+# asio decides by what was included before it whether it allocates by std::aligned_alloc or by new: files that differ in
+# that would free what the others have allocated in the wrong way.
+ostrel_header_library(dep_asio PATHS asio asio.hpp DEFINITIONS ASIO_STANDALONE ASIO_DISABLE_STD_ALIGNED_ALLOC
   LINKS Threads::Threads ${socket_libraries})
 ostrel_header_library(dep_cli11 PATHS CLI)
 ostrel_header_library(dep_json PATHS nlohmann)
