@@ -8,6 +8,7 @@ namespace {
 constexpr unsigned kNodeMask = 0x7F;
 constexpr unsigned kLastSegmentBit = 0x80;  // of a segment of a sub-block
 constexpr unsigned kAbort = 0x80;
+constexpr unsigned kBlockEnd = 0xC1;  // from either side, without the count of unused bytes
 constexpr std::uint32_t kAbortTimeOut = 0x05040000;
 
 // Command specifiers, bits 7..5 of the first byte. The same number means one thing from the client and
@@ -103,14 +104,7 @@ void SdoObserver::OnAbort(Conversation& conversation, const NSdk::CanFrame& fram
 
 void SdoObserver::OnRequest(Conversation& conversation, const NSdk::CanFrame& frame, NRuntime::Time time) {
   SdoTransfer& transfer = conversation.transfer;
-  // Inside a sub-block every frame but an abort (sequence number 0) is a segment, whatever it looks like.
-  if (conversation.phase == Phase::DownloadBlock && frame.data[0] != kAbort) {
-    const bool ended = conversation.lastConfirmed && (frame.data[0] & 0xE3) == 0xC1;
-    if (!ended) return KeepSegment(conversation, frame);
-    TakeBack(transfer, UnusedBytes(frame));
-    conversation.phase = Phase::Running;
-    return;
-  }
+  if (conversation.phase == Phase::DownloadBlock && TakeBlockFrame(conversation, frame)) return;
   switch (Command(frame)) {
     case kUploadInitiate:
       return Begin(conversation, SdoDirection::Upload, SdoKind::Expedited, frame, time);
@@ -149,13 +143,7 @@ void SdoObserver::OnRequest(Conversation& conversation, const NSdk::CanFrame& fr
 
 void SdoObserver::OnResponse(Conversation& conversation, const NSdk::CanFrame& frame, NRuntime::Time time) {
   SdoTransfer& transfer = conversation.transfer;
-  if (conversation.phase == Phase::UploadBlock && frame.data[0] != kAbort) {
-    const bool ended = conversation.lastConfirmed && (frame.data[0] & 0xE3) == 0xC1;
-    if (!ended) return KeepSegment(conversation, frame);
-    TakeBack(transfer, UnusedBytes(frame));
-    conversation.phase = Phase::Running;
-    return;
-  }
+  if (conversation.phase == Phase::UploadBlock && TakeBlockFrame(conversation, frame)) return;
   switch (Command(frame)) {
     case kUploadInitiated:  // a block upload is answered so by a server that switches the protocol
       transfer.kind = IsExpedited(frame) ? SdoKind::Expedited : SdoKind::Segmented;
@@ -187,6 +175,19 @@ void SdoObserver::OnResponse(Conversation& conversation, const NSdk::CanFrame& f
     default:
       return;
   }
+}
+
+// Inside a sub-block every frame of the sender is a segment, whatever it looks like: but an abort, which
+// would be segment 0, and the end command behind the last segment.
+bool SdoObserver::TakeBlockFrame(Conversation& conversation, const NSdk::CanFrame& frame) {
+  if (frame.data[0] == kAbort) return false;
+  if (conversation.lastConfirmed && (frame.data[0] & 0xE3) == kBlockEnd) {
+    TakeBack(conversation.transfer, UnusedBytes(frame));
+    conversation.phase = Phase::Running;
+  } else {
+    KeepSegment(conversation, frame);
+  }
+  return true;
 }
 
 void SdoObserver::KeepSegment(Conversation& conversation, const NSdk::CanFrame& frame) {

@@ -65,6 +65,7 @@ class SdoObserver {
   void End(Conversation& conversation, SdoOutcome outcome, NRuntime::Time time);
   void OnAbort(Conversation& conversation, const NSdk::CanFrame& frame, NRuntime::Time time);
   void Acknowledge(Conversation& conversation, unsigned sequence);
+  static bool TakeBlockFrame(Conversation& conversation, const NSdk::CanFrame& frame);
   static void KeepSegment(Conversation& conversation, const NSdk::CanFrame& frame);
   static void Append(SdoTransfer& transfer, const std::uint8_t* data, unsigned size);
   static void TakeBack(SdoTransfer& transfer, unsigned size);
