@@ -13,7 +13,7 @@ constexpr std::uint16_t kErrorHistory = 0x1003;
 struct Write {
   const ObjectDictionary& objects;
   ObjectAddress address;
-  std::uint32_t value;
+  std::uint32_t value = 0;
 };
 
 std::uint32_t CurrentValue(const Write& write) { return write.objects.Number(write.address); }

@@ -8,6 +8,7 @@ namespace {
 class TimerAlarm final : public Alarm {
  public:
   TimerAlarm(AsioLoop& loop, Task task) : mState(std::make_shared<State>(loop, std::move(task))) {}
+  // NOLINTNEXTLINE(bugprone-exception-escape): to cancel a timer does not fail
   ~TimerAlarm() override { Cancel(); }
 
   void SetFor(Time deadline) override {
