@@ -123,7 +123,7 @@ class Owner final : private FrameSink {
                                                      0x285, 0x705, 0x706, 0x605};
     const std::uint32_t which = mInput.Byte();
     const std::uint32_t length = mInput.Byte() & 0x1F;  // with the bit of remote frames
-    Feed(kIdentifiers[which % std::size(kIdentifiers)], length, static_cast<int>(length & 7));
+    Feed(kIdentifiers[which % std::size(kIdentifiers)], length, static_cast<int>(std::min(length & 15, 8u)));
   }
 
   // Commands alone or with an object that exists, so that transfers come about.

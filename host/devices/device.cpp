@@ -14,6 +14,9 @@ constexpr std::uint16_t kFirstCommunicationObject = 0x1000;
 constexpr std::uint16_t kLastCommunicationObject = 0x1FFF;
 constexpr std::uint16_t kLastObject = 0xFFFF;
 constexpr std::uint16_t kSdoServerParameter = 0x1200;
+constexpr ObjectAddress kErrorHistory = {0x1003, 0};
+constexpr std::uint16_t kConsumerHeartbeatTime = 0x1016;
+constexpr std::uint16_t kHeartbeatTime = 0x1017;
 constexpr ObjectAddress kSyncCobId = {0x1005, 0};
 constexpr ObjectAddress kErrorBehaviour = {0x1029, 1};  // on loss of a peer: 0, 1 or 2
 
@@ -184,19 +187,24 @@ AbortCode Device::Write(ObjectAddress address, BytesView value, Time now) {
   if (code == AbortCode::None) code = CheckLimits(*entry, value);
   if (code == AbortCode::None) code = CheckCommunicationRules(mObjects, address, value);
   if (code != AbortCode::None) return code;
-  const bool changed = !std::ranges::equal(entry->value, value);
-  entry->value.assign(value.begin(), value.end());
-  if (IsCommunicationObject(address)) OnCommunicationObjectWritten(address, now);
-  if (changed) mTransmitPdos.OnChanged(*entry, now);
+  Store(*entry, value, now);
   return code;
+}
+
+// Every new value comes through here.
+void Device::Store(Entry& entry, BytesView value, Time now) {
+  const bool changed = !std::ranges::equal(entry.value, value);
+  entry.value.assign(value.begin(), value.end());
+  if (IsCommunicationObject(entry.address)) OnCommunicationObjectWritten(entry.address, now);
+  if (changed) mTransmitPdos.OnChanged(entry, now);
 }
 
 // Who has read the object at start reads it again.
 void Device::OnCommunicationObjectWritten(ObjectAddress address, Time now) {
   const std::uint16_t index = address.index;
-  if (index == 0x1003) mEmergency.ClearHistory();
-  if (index == 0x1016) mHeartbeatConsumer.Load();
-  if (index == 0x1017) mErrorControl.OnHeartbeatTimeWritten(now);
+  if (address == kErrorHistory) mEmergency.ClearHistory();
+  if (index == kConsumerHeartbeatTime) mHeartbeatConsumer.Load();
+  if (index == kHeartbeatTime) mErrorControl.OnHeartbeatTimeWritten(now);
   if (IsWithin(index, kReceivePdoParameter) || IsWithin(index, kReceivePdoMapping)) mReceivePdos.Load();
   if (IsWithin(index, kTransmitPdoParameter) || IsWithin(index, kTransmitPdoMapping)) mTransmitPdos.Load(now);
 }
@@ -206,18 +214,13 @@ AbortCode Device::SetValue(ObjectAddress address, BytesView value, Time now) {
   if (!entry) return MissingCode(mObjects, address);
   AbortCode code = CheckSize(*entry, value.size());
   if (code == AbortCode::None) code = CheckLimits(*entry, value);
-  if (code != AbortCode::None || std::ranges::equal(entry->value, value)) return code;
-  mNow = now;
-  entry->value.assign(value.begin(), value.end());
-  mTransmitPdos.OnChanged(*entry, now);
+  if (code == AbortCode::None) Store(*entry, value, now);
   return code;
 }
 
 // A PDO has no way to refuse: a value outside its limits changes nothing.
 void Device::StoreFromPdo(Entry& entry, BytesView value) {
-  if (CheckLimits(entry, value) != AbortCode::None || std::ranges::equal(entry.value, value)) return;
-  entry.value.assign(value.begin(), value.end());
-  mTransmitPdos.OnChanged(entry, mNow);
+  if (CheckLimits(entry, value) == AbortCode::None) Store(entry, value, mNow);
 }
 
 }  // namespace NDevices

@@ -65,6 +65,7 @@ class Device final : private ObjectAccess {
   void SetState(NmtState state, Time now);
   void OnPdoFrame(const NSdk::CanFrame& frame, Time now);
   void OnCommunicationObjectWritten(ObjectAddress address, Time now);
+  void Store(Entry& entry, BytesView value, Time now);
   void StoreFromPdo(Entry& entry, BytesView value);
   void CheckPeers();
   void OnPeerLost(std::uint8_t node, Time now);

@@ -152,7 +152,7 @@ void ExpectThrough(Pair& pair, Kind kind, const Bytes& data) {
 }
 
 TEST(Loopback, WhatGoesInComesOut) {
-  constexpr std::size_t kSizes[] = {0, 1, 3, 4, 5, 7, 8, 14, 28, 29, 888, 889, 890, 65536};
+  constexpr std::size_t kSizes[] = {0, 1, 3, 4, 5, 7, 8, 14, 28, 29, 888, 889, 890};
   constexpr std::uint8_t kBlockSizes[] = {1, 2, 8, 126, 127};
   Random random;
   for (const std::size_t size : kSizes) {
@@ -168,13 +168,14 @@ TEST(Loopback, WhatGoesInComesOut) {
   }
 }
 
-TEST(Loopback, AMegabyte) {
+TEST(Loopback, LargeData) {
   Random random;
-  const Bytes data = random.Data(1 << 20);
-  for (const Kind kind : kKinds) {
-    SCOPED_TRACE(Name(kind, data.size(), 127, 127));
-    Pair pair(127, 127);
-    ExpectThrough(pair, kind, data);
+  for (const std::size_t size : {std::size_t{65536}, std::size_t{1} << 20}) {
+    for (const Kind kind : kKinds) {
+      SCOPED_TRACE(Name(kind, size, 127, 127));
+      Pair pair(127, 127);
+      ExpectThrough(pair, kind, random.Data(size));
+    }
   }
 }
 

@@ -80,6 +80,10 @@ TEST_F(Pdos, EventTimer) {
   bench.SetNumber(kInputs, 1);  // an event of its own: the timer begins anew
   bench.RunFor(30ms);
   EXPECT_EQ(bench.SentSince(start), (Texts{"45: 185 01 00", "65: 185 01 00"}));
+  bench.now += 17ms;  // late for it: the rhythm stays
+  bench.device.OnDeadline(bench.now);
+  bench.RunFor(20ms);
+  EXPECT_EQ(bench.SentSince(start), (Texts{"92: 185 01 00", "105: 185 01 00"}));
 }
 
 TEST_F(Pdos, InhibitTimeHoldsEventsBack) {
