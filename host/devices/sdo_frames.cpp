@@ -127,7 +127,7 @@ CanFrame UploadAnswer(std::uint32_t cobId, ObjectAddress address, BytesView valu
 }
 
 CanFrame UploadSegmentAnswer(std::uint32_t cobId, bool toggle, BytesView data, bool last) {
-  const unsigned unused = kSegmentBytes - static_cast<unsigned>(data.size());
+  const auto unused = static_cast<unsigned>(kSegmentBytes - data.size());
   return SegmentAnswer(cobId, Bit(toggle, 4) | unused << 1 | Bit(last, 0), data);
 }
 

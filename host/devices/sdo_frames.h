@@ -11,7 +11,7 @@ namespace NDevices {
 
 inline constexpr std::uint32_t kSdoFrameSize = 8;
 inline constexpr std::uint32_t kExpeditedBytes = 4;
-inline constexpr std::uint32_t kSegmentBytes = 7;
+inline constexpr std::size_t kSegmentBytes = 7;
 inline constexpr std::uint8_t kMaxBlockSize = 127;
 
 /// What a client wants.

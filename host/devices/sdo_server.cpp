@@ -160,7 +160,7 @@ void SdoServer::OnUploadSegmentRequest(const CanFrame& frame) {
   if (mState != State::SegmentedUpload) return Fail(AbortCode::UnknownCommand);
   if (ToggleIn(frame) != mToggle) return Fail(AbortCode::ToggleBit);
   if (!CountSegment()) return;
-  const std::size_t size = std::min<std::size_t>(kSegmentBytes, mData.size() - mPosition);
+  const std::size_t size = std::min(kSegmentBytes, mData.size() - mPosition);
   const BytesView data = BytesView(mData).subspan(mPosition, size);
   const bool last = mPosition + size == mData.size();
   const bool toggle = mToggle != (mFaults.wrongToggle && IsFaultySegment());

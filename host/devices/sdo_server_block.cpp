@@ -104,7 +104,7 @@ void SdoServer::SendSubBlock() {
 // A value without bytes is one segment without data.
 void SdoServer::SendBlockSegment() {
   const std::size_t place = std::min(mPosition + mSequence * kSegmentBytes, mData.size());
-  const std::size_t size = std::min<std::size_t>(kSegmentBytes, mData.size() - place);
+  const std::size_t size = std::min(kSegmentBytes, mData.size() - place);
   ++mSequence;
   mLastSeen = place + size == mData.size();
   if (mFaults.dropSegment && IsFaultySegment()) return;
@@ -125,8 +125,8 @@ void SdoServer::OnBlockUploadAcknowledge(const CanFrame& frame) {
 }
 
 void SdoServer::SendBlockEnd() {
-  const auto inLast = static_cast<std::uint32_t>(mData.size() % kSegmentBytes);
-  const std::uint32_t unused = mData.empty() || inLast != 0 ? kSegmentBytes - inLast : 0;
+  const std::size_t inLast = mData.size() % kSegmentBytes;
+  const std::size_t unused = mData.empty() || inLast != 0 ? kSegmentBytes - inLast : 0;
   std::uint16_t crc = mCrc ? BlockCrc(mData) : std::uint16_t{0};
   if (mFaults.badCrc) crc = static_cast<std::uint16_t>(~crc);
   Enter(State::BlockUploadEnding);
