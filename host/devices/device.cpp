@@ -83,7 +83,10 @@ void Device::ResetTo(std::uint16_t lastIndex, Time now) {
 void Device::SetState(NmtState state, Time now) {
   if (state == mState) return;
   mState = state;
-  if (!AllowsSdo(state)) mSdoServer.Reset();
+  if (!AllowsSdo(state)) {
+    mSdoServer.Reset();
+    mSdoAnswers.Clear();
+  }
   mEmergency.Allow(AllowsEmergency(state));
   mReceivePdos.DropWaiting();
   if (AllowsPdo(state)) {

@@ -32,7 +32,9 @@ std::string Text(const NSdk::CanFrame& frame) {
   std::snprintf(text, sizeof text, (frame.flags & NSdk::kFrameExtended) != 0 ? "%08X" : "%03X",
                 frame.identifier);
   const std::uint32_t length = frame.flags & NSdk::kFrameDlcMask;
-  return length == 0 ? text : text + (" " + Hex(Bytes(frame.data, frame.data + length)));
+  std::string all = text;
+  if (length > 0) all.append(" ").append(Hex(Bytes(frame.data, frame.data + length)));
+  return all;
 }
 
 std::string Hex(const Bytes& bytes) {
@@ -40,7 +42,7 @@ std::string Hex(const Bytes& bytes) {
   for (const std::uint8_t byte : bytes) {
     char text[8];
     std::snprintf(text, sizeof text, "%02X", byte);
-    all += (all.empty() ? "" : " ") + std::string(text);
+    all.append(all.empty() ? "" : " ").append(text);
   }
   return all;
 }

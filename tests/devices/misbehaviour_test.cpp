@@ -33,6 +33,14 @@ TEST_F(Misbehaving, TheClientsTimeBeginsWithTheLateAnswer) {
                                                               "13000: 585 80 00 20 00 00 00 04 05"}));
 }
 
+TEST_F(Misbehaving, NoLateAnswerLeavesAStoppedDevice) {
+  faults().answerDelay = 50ms;
+  bench.Request("40 00 10 00");
+  bench.Feed("000 02 05");
+  bench.RunFor(1s);
+  EXPECT_TRUE(bench.sent.empty());
+}
+
 TEST_F(Misbehaving, SilenceConcernsSdoOnly) {
   faults().silent = true;
   bench.Play({{TX, "40 00 10 00"}, {TX, "A4 00 10 00 7F"}});
