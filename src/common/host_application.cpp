@@ -1,12 +1,26 @@
 #include "common/host_application.h"
 
+#include <cstddef>
+#include <new>
+
 namespace NCommon {
 namespace {
 
-// Never destroyed: a host that ends without shutting the plug-in down may be gone before this library is.
-NCom::ComPtr<NSdk::IHostApplication>& Slot() {
-  static auto* const slot = new NCom::ComPtr<NSdk::IHostApplication>();
-  return *slot;
+// Never destroyed, and nothing allocated: a host that ends without shutting the plug-in down may be gone
+// before this library is, and a library that is unloaded leaves nothing behind.
+class LastingSlot {
+ public:
+  using Application = NCom::ComPtr<NSdk::IHostApplication>;
+  LastingSlot() { new (mStorage) Application(); }
+  Application& Get() { return *std::launder(reinterpret_cast<Application*>(mStorage)); }
+
+ private:
+  alignas(Application) std::byte mStorage[sizeof(Application)];
+};
+
+LastingSlot::Application& Slot() {
+  static LastingSlot slot;
+  return slot.Get();
 }
 
 }  // namespace
