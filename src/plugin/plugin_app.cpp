@@ -2,16 +2,16 @@
 
 #include "ig/generator_node.h"
 #include "plugin/plug_in.h"
+#include "scanner/scanner.h"
 #include "sdk/class_ids.h"
 
 namespace NPlugin {
 
-// The scanner's identity is settled; its class is not part of this module yet, so the row makes nothing.
 ZPlugInApp::ZPlugInApp()
     : mClasses{NCom::MakeRow(NSdk::kProgIdPlugIn, NSdk::kClsidPlugIn, NCom::MakeSingletonFactory,
                              NCom::CreateObject<ZPlugIn>),
                NCom::MakeRow(NSdk::kProgIdCANopenScanner, NSdk::kClsidCANopenScanner,
-                             NCom::MakeOrdinaryFactory, nullptr),
+                             NCom::MakeOrdinaryFactory, NCom::CreateObject<NScanner::ZCANopenScanner>),
                NCom::MakeRow(NSdk::kProgIdCANopenIG, NSdk::kClsidCANopenIG, NCom::MakeOrdinaryFactory,
                              NCom::CreateObject<NIg::ZCANopenIGNode>)} {}
 

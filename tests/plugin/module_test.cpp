@@ -11,6 +11,7 @@
 #include "sdk/module_exports.h"
 #include "sdk/persistence.h"
 #include "sdk/plugin.h"
+#include "sdk/scanner.h"
 
 namespace {
 
@@ -115,10 +116,24 @@ TEST_F(ModuleTest, AGeneratorIsAllThatAHostExpectsOfIt) {
   EXPECT_EQ(progId.Text(), L"HarlowPlugIn.CANopenIG");
 }
 
+TEST_F(ModuleTest, AScannerIsAllThatAHostExpectsOfIt) {
+  const auto block = Create<IUnknown>(Factory("HarlowPlugIn.CANopenScanner"));
+  EXPECT_EQ(CanUnload(), S_FALSE);
+  EXPECT_TRUE(NRuntime::Query<NSdk::IPlugInBlock>(block));
+  EXPECT_TRUE(NRuntime::Query<NSdk::IMSFinalNode>(block));
+  EXPECT_TRUE(NRuntime::Query<NSdk::IRTClient>(block));
+  EXPECT_TRUE(NRuntime::Query<NSdk::ICANEvents>(block));
+  EXPECT_TRUE(NRuntime::Query<NSdk::IScanner>(block));
+  NRuntime::ReceivedText progId;
+  EXPECT_EQ(NRuntime::Query<NSdk::IPersistentObject>(block)->GetProgId(progId.Out()), S_OK);
+  EXPECT_EQ(progId.Text(), L"HarlowPlugIn.CANopenScanner");
+}
+
 TEST_F(ModuleTest, IsLoadedAndUnloadedManyTimes) {
   for (int life = 0; life < 20; ++life) {
     {
       const auto plugIn = Create<NSdk::IPlugIn>(Factory("HarlowPlugIn.PlugIn"));
+      const auto scanner = Create<NSdk::IScanner>(Factory("HarlowPlugIn.CANopenScanner"));
       const auto block = Create<NSdk::IGenerator>(Factory("HarlowPlugIn.CANopenIG"));
       // Brings the XML library up and down as well.
       EXPECT_EQ(block->LoadSequence(L"no such file.seq", nullptr), E_FAIL);
