@@ -8,5 +8,7 @@ namespace NBuses {
 
 /// Creates or empties a file, for bytes as they are. Null and errno set: impossible.
 std::FILE* OpenForWriting(const std::filesystem::path& path);
+/// Opens a file for reading its bytes as they are. Null and errno set: impossible.
+std::FILE* OpenForReading(const std::filesystem::path& path);
 
 }  // namespace NBuses

@@ -20,6 +20,8 @@ class CanAdapterEvents {
   /// The bus or the way to it is in trouble, in words: error states, a lost connection, a frame that was
   /// given up. The adapter stays open.
   virtual void OnTrouble(const std::string& text) = 0;
+  /// Nothing more will be received, ever: a recorded log has come to its end. The adapter stays open.
+  virtual void OnEnd() {}
 };
 
 /// One channel's way to a bus.

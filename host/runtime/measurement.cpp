@@ -36,10 +36,21 @@ class Measurement::Port final : public CanAdapterEvents {
     mMeasurement.Seen(Number(), frame, time, NSdk::kCanTransmitted);
   }
   void OnTrouble(const std::string& text) override { mMeasurement.mObserver.OnTrouble(Number(), text); }
+  void OnEnd() override {
+    mHasEnded = true;
+    mMeasurement.EndWhenAllHaveEnded();
+  }
+
+  void Open() {
+    mHasEnded = false;
+    mChannel.adapter->Open(*this);
+  }
+  bool HasEnded() const { return mHasEnded; }
 
  private:
   Measurement& mMeasurement;
   CanChannel mChannel;
+  bool mHasEnded = false;
 };
 
 // One measurement from start to stop.
@@ -126,7 +137,7 @@ void Measurement::Start(const std::vector<ComPtr<IUnknown>>& blocks) {
   mRun = std::make_shared<Run>(*this);
   mRun->runTime = Make<RunTime>(mRun);
   try {
-    for (const auto& port : mPorts) port->Adapter().Open(*port);
+    for (const auto& port : mPorts) port->Open();
     StartBlocks(blocks);
   } catch (...) {
     Stop();
@@ -177,6 +188,16 @@ void Measurement::Seen(std::uint32_t channel, const NSdk::CanFrame& frame, Time 
   if (!mRun) return;
   mRun->waiting.push_back({channel, direction, time - mRun->start, frame});
   DeliverSoon();
+}
+
+// The frames that came before wait for a delivery that is posted already.
+void Measurement::EndWhenAllHaveEnded() {
+  const auto hasEnded = [](const auto& port) { return port->HasEnded(); };
+  if (!mRun || !std::all_of(mPorts.begin(), mPorts.end(), hasEnded)) return;
+  mLoop.Post([run = std::weak_ptr<Run>(mRun)] {
+    const auto kept = run.lock();
+    if (kept && kept->owner) kept->owner->mObserver.OnEnd();
+  });
 }
 
 void Measurement::DeliverSoon() {

@@ -29,6 +29,9 @@ class MeasurementObserver {
   virtual void OnFrame(const SeenFrame& seen) = 0;
   /// A channel's bus is in trouble.
   virtual void OnTrouble(std::uint32_t channel, const std::string& text) = 0;
+  /// No channel will receive anything more, since each replays a log that has ended. Called once in a
+  /// measurement, from the loop, after the last frame has been delivered.
+  virtual void OnEnd() {}
 };
 
 /// Runs blocks on the channels of a configuration.
@@ -63,6 +66,7 @@ class Measurement {
   void StopBlocks();
   void CloseChannels();
   void Seen(std::uint32_t channel, const NSdk::CanFrame& frame, Time time, NSdk::CanDirection direction);
+  void EndWhenAllHaveEnded();
   void DeliverSoon();
   void Deliver();
   void DeliverToBlocks(const SeenFrame& seen);

@@ -62,8 +62,8 @@ TEST(BusName, RefusalsNameTheWordAndTheFault) {
       {"virtual,a=", "NAME=VALUE"},
       {"virtual,a=1,a=2", "twice"},
       {"virtual,bitrate=125000", "unknown option \"bitrate\""},
-      {"Virtual", "unknown kind \"Virtual\" (known: virtual)"},
-      {"serial:COM1", "unknown kind \"serial\" (known: virtual)"},
+      {"Virtual", "unknown kind \"Virtual\" (known: virtual, "},
+      {"serial:COM1", "unknown kind \"serial\" (known: virtual, "},
   };
   for (const auto& [word, fault] : cases) {
     const std::string text = Refusal([&, word = word] { factory.Make(word); });
