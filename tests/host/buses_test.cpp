@@ -61,7 +61,10 @@ TEST(BusName, RefusalsNameTheWordAndTheFault) {
       {"virtual,=5", "NAME=VALUE"},
       {"virtual,a=", "NAME=VALUE"},
       {"virtual,a=1,a=2", "twice"},
-      {"virtual,bitrate=125000", "unknown option \"bitrate\""},
+      {"virtual,frob=1", "unknown option \"frob\" (virtual has bitrate)"},
+      {"virtual,bitrate=999", "1000 to 1000000"},
+      {"virtual,bitrate=1000001", "1000 to 1000000"},
+      {"virtual,bitrate=1e3", "bitrate=1e3"},
       {"Virtual", "unknown kind \"Virtual\" (known: virtual, "},
       {"serial:COM1", "unknown kind \"serial\" (known: virtual, "},
   };
