@@ -2,15 +2,14 @@
 
 #include "host/bench/console.h"
 #include "host/bench/options.h"
-#include "host/bench/play.h"
 
 namespace {
 
 int Run(const std::vector<std::string>& arguments) {
-  const NBench::CommandLine command = NBench::ParseCommandLine(arguments);
-  if (command.play) return NBench::Play(*command.play);
+  const NBench::CommandLine line = NBench::ParseCommandLine(arguments);
+  if (line.command) return line.command->Run();
   NBench::Output output;
-  output.Write(command.text);
+  output.Write(line.text);
   if (!output.Reason().empty()) NBench::Complain(output.Reason());
   return output.Failed() ? NBench::kFailed : NBench::kOk;
 }

@@ -7,24 +7,34 @@
 #include <cmath>
 #include <stdexcept>
 
-#include "host/bench/console.h"
-#include "host/buses/bus_factory.h"
+#include "host/bench/play_options.h"
 #include "host/runtime/text.h"
 
 namespace NBench {
 namespace {
 
 constexpr std::uint32_t kLastChannel = 255;
-constexpr std::uint32_t kLongestDelay_ms = 100000;
 constexpr double kLongestRun_s = 1e8;
 
-constexpr char kHelp[] = R"(Reference host of the Ostrel module for the command line.
+struct CommandRow {
+  const char* name;
+  const char* arguments;
+  const char* summary;
+  std::unique_ptr<Command> (*make)();
+};
+
+constexpr CommandRow kCommands[] = {
+    {"play", "FILE.seq", "Play a sequence file on a CAN bus", MakePlayCommand},
+};
+
+constexpr char kHelpHead[] = R"(Reference host of the Ostrel module for the command line.
 
 Usage: ostrel-bench COMMAND [OPTIONS]
 
 Commands:
-  play FILE.seq   Play a sequence file on a CAN bus
+)";
 
+constexpr char kHelpFoot[] = R"(
 Options:
   -h, --help      Print this help; behind a command, the help of that command
   --version       Print the version
@@ -33,54 +43,74 @@ Example:
   ostrel-bench play first-steps.seq
 )";
 
-constexpr char kPlayHelp[] = R"(Plays a sequence file through the module's generator on a CAN bus.
+std::string Help() {
+  constexpr std::size_t kSummaryColumn = 18;
+  std::string text = kHelpHead;
+  for (const CommandRow& row : kCommands) {
+    std::string line = std::string("  ") + row.name + ' ' + row.arguments;
+    line.resize(std::max(line.size() + 2, kSummaryColumn), ' ');
+    text += line + row.summary + '\n';
+  }
+  return text + kHelpFoot;
+}
 
-Usage: ostrel-bench play FILE.seq [OPTIONS]
+NSdk::HostVariant ParseVariant(const std::string& text) {
+  if (text == "halvard") return NSdk::kHostHalvard;
+  if (text == "tesmond") return NSdk::kHostTesmond;
+  Refuse("--variant", text, "halvard or tesmond is wanted");
+}
 
-The run ends with the sequence. With --cyclic it goes on until Ctrl+C, or until
-the sequence has stopped the cyclic list. With --for it lasts the time given.
+ChannelOption ParseChannel(const std::string& text) {
+  const std::size_t equals = text.find('=');
+  const auto number = ParseNumber(text.substr(0, equals), 1, kLastChannel);
+  if (equals == std::string::npos || !number) {
+    Refuse("--can", text, "NUMBER=BUS is wanted, with a channel number from " + Range(1, kLastChannel));
+  }
+  return {*number, text.substr(equals + 1)};
+}
 
-What is sent, and how:
-  --can NUMBER=BUS   Put CAN channel NUMBER on a bus; may be given several times
-                     (default: 1=virtual)
-  --channel NUMBER   Channel on which the generator sends (default: the lowest)
-  --cyclic           Send the cyclic list too, from the beginning
-  --for SECONDS      Run for this long
-  --delay MS         Pause between two items, 1 to 100000 (default: 10)
-  --device NODE      Put a simulated CANopen device on the generator's bus, an I/O
-                     device with this node-ID; may be given several times
-  --variant NAME     Kind of host to be, halvard or tesmond (default: halvard)
-  --module PATH      Module to load (default: Ostrel.hpi beside this program)
+// Two devices of one node-ID would answer each other's requests.
+std::vector<DeviceOption> ParseDevices(const std::vector<std::string>& texts, std::uint32_t channel) {
+  std::vector<DeviceOption> devices;
+  for (const std::string& text : texts) {
+    NDevices::DeviceWord word = NDevices::ParseDeviceWord(text);
+    for (const DeviceOption& other : devices) {
+      if (other.device.nodeId == word.nodeId) Refuse("--device", text, "this node-ID is given twice");
+    }
+    devices.push_back({channel, std::move(word)});
+  }
+  return devices;
+}
 
-What is shown:
-  --frames           The frames on the bus
-  --transfers        SDO transfers in words. Without either, a terminal shows both
-                     and everything else the frames
-  --times            The time of each frame in front of it, in seconds
-  --words            What each frame means in CANopen behind it
-  --json             One JSON document at the end, nothing else
-  --log OUT.log      Write the frames of all channels to a candump log; channel 1
-                     is called can1 there
+// A command that the library knows, and what it becomes.
+struct KnownCommand {
+  std::unique_ptr<Command> command;
+  const CLI::App* app;
+};
 
-Buses:
-)";
+std::vector<KnownCommand> AddCommands(CLI::App& app) {
+  std::vector<KnownCommand> known;
+  for (const CommandRow& row : kCommands) {
+    CLI::App* const own = app.add_subcommand(row.name);
+    known.push_back({row.make(), own});
+    known.back().command->AddOptions(*own);
+  }
+  return known;
+}
 
-constexpr char kPlayFooter[] = R"(
-Exit status: 0 transmitted, 1 not everything was transmitted, 2 bad input,
-130 stopped by Ctrl+C before the end of the sequence.
+std::string FirstLine(const std::string& text) { return text.substr(0, text.find('\n')); }
 
-Examples:
-  ostrel-bench play first-steps.seq
-      Each item of the sequence once, every frame as it leaves.
-  ostrel-bench play first-steps.seq --cyclic --for 5 --log out.log
-      Five seconds with the cyclic list, into a log for can-utils.
-  ostrel-bench play first-steps.seq --device 5 --transfers
-      Against a simulated device, its SDO transfers in words.
-  ostrel-bench play first-steps.seq --json > frames.json
-      For a script.
-)";
+// The library's words, but where they are more than a line or say less than is known.
+std::string Fault(const CLI::ParseError& error) {
+  const std::string text = FirstLine(error.what());
+  const bool missing =
+      dynamic_cast<const CLI::ArgumentMismatch*>(&error) && text.find("missing") != text.npos;
+  return missing ? text.substr(0, text.find(':')) + ": a value is wanted behind it" : text;
+}
 
-[[noreturn]] void Refuse(const std::string& option, const std::string& value, const std::string& wanted) {
+}  // namespace
+
+void Refuse(const std::string& option, const std::string& value, const std::string& wanted) {
   throw std::runtime_error(option + " " + (value.empty() ? "\"\"" : value) + ": " + wanted);
 }
 
@@ -107,21 +137,6 @@ std::chrono::nanoseconds ParseSeconds(const std::string& text) {
   return std::max(std::chrono::nanoseconds(1), std::chrono::nanoseconds(std::llround(seconds * 1e9)));
 }
 
-NSdk::HostVariant ParseVariant(const std::string& text) {
-  if (text == "halvard") return NSdk::kHostHalvard;
-  if (text == "tesmond") return NSdk::kHostTesmond;
-  Refuse("--variant", text, "halvard or tesmond is wanted");
-}
-
-ChannelOption ParseChannel(const std::string& text) {
-  const std::size_t equals = text.find('=');
-  const auto number = ParseNumber(text.substr(0, equals), 1, kLastChannel);
-  if (equals == std::string::npos || !number) {
-    Refuse("--can", text, "NUMBER=BUS is wanted, with a channel number from " + Range(1, kLastChannel));
-  }
-  return {*number, text.substr(equals + 1)};
-}
-
 std::vector<ChannelOption> ParseChannels(const std::vector<std::string>& texts) {
   if (texts.empty()) return {{1, "virtual"}};
   std::vector<ChannelOption> channels;
@@ -136,7 +151,6 @@ std::vector<ChannelOption> ParseChannels(const std::vector<std::string>& texts) 
   return channels;
 }
 
-// Without --channel the generator sends on the lowest channel that there is.
 std::uint32_t ChooseChannel(const std::optional<std::string>& text,
                             const std::vector<ChannelOption>& channels) {
   std::string known;
@@ -155,101 +169,46 @@ std::uint32_t ChooseChannel(const std::optional<std::string>& text,
   return lowest;
 }
 
-// Two devices of one node-ID would answer each other's requests.
-std::vector<DeviceOption> ParseDevices(const std::vector<std::string>& texts, std::uint32_t channel) {
-  std::vector<DeviceOption> devices;
-  for (const std::string& text : texts) {
-    NDevices::DeviceWord word = NDevices::ParseDeviceWord(text);
-    for (const DeviceOption& other : devices) {
-      if (other.device.nodeId == word.nodeId) Refuse("--device", text, "this node-ID is given twice");
-    }
-    devices.push_back({channel, std::move(word)});
-  }
-  return devices;
+void HostTexts::AddOptions(CLI::App& app) {
+  app.add_option("--can", channels)->allow_extra_args(false);
+  app.add_option("--device", devices)->allow_extra_args(false);
+  app.add_option("--channel", channel);
+  app.add_option("--variant", variant);
+  app.add_option("--module", module);
 }
 
-// The options as text, before anything is checked.
-struct Texts {
-  std::string sequence, delay = "10", variant = "halvard";
-  std::optional<std::string> channel, duration, log, module;
-  std::vector<std::string> channels, devices;
-  bool cyclic = false, json = false, times = false, words = false;
-  bool frames = false, transfers = false;
-};
-
-// The help texts are written out above: the library's own have neither order nor line ends.
-CLI::App* AddPlay(CLI::App& app, Texts& texts) {
-  CLI::App* play = app.add_subcommand("play");
-  play->add_option("FILE.seq", texts.sequence)->required();
-  play->add_option("--can", texts.channels)->allow_extra_args(false);
-  play->add_option("--device", texts.devices)->allow_extra_args(false);
-  play->add_option("--channel", texts.channel);
-  play->add_flag("--cyclic", texts.cyclic);
-  play->add_option("--for", texts.duration);
-  play->add_option("--delay", texts.delay);
-  play->add_option("--log", texts.log);
-  play->add_option("--variant", texts.variant);
-  play->add_option("--module", texts.module);
-  play->add_flag("--json", texts.json);
-  play->add_flag("--frames", texts.frames);
-  play->add_flag("--transfers", texts.transfers);
-  play->add_flag("--times", texts.times);
-  play->add_flag("--words", texts.words);
-  return play;
-}
-
-PlayOptions Check(const Texts& texts) {
-  PlayOptions options;
-  options.sequence = NRuntime::ToPath(texts.sequence);
-  options.host.channels = ParseChannels(texts.channels);
-  options.channel = ChooseChannel(texts.channel, options.host.channels);
-  options.host.devices = ParseDevices(texts.devices, options.channel);
-  options.cyclic = texts.cyclic;
-  options.json = texts.json;
-  // A program that reads the output expects frames alone; a person sees the transfers as well.
-  const bool chosen = texts.frames || texts.transfers;
-  options.view = {chosen ? texts.frames : true, chosen ? texts.transfers : IsTerminal(stdout), texts.times,
-                  texts.words};
-  options.host.variant = ParseVariant(texts.variant);
-  const auto delay = ParseNumber(texts.delay, 1, kLongestDelay_ms);
-  if (!delay) {
-    Refuse("--delay", texts.delay,
-           "a number of milliseconds from " + Range(1, kLongestDelay_ms) + " is wanted");
-  }
-  options.delay_ms = *delay;
-  if (texts.duration) options.duration = ParseSeconds(*texts.duration);
-  if (texts.log) options.log = NRuntime::ToPath(*texts.log);
-  if (texts.module) options.host.module = NRuntime::ToPath(*texts.module);
+HostOptions CheckHost(const HostTexts& texts) {
+  HostOptions options;
+  options.channels = ParseChannels(texts.channels);
+  options.devices = ParseDevices(texts.devices, ChooseChannel(texts.channel, options.channels));
+  options.variant = ParseVariant(texts.variant);
+  if (texts.module) options.module = NRuntime::ToPath(*texts.module);
   return options;
 }
-
-std::string FirstLine(const std::string& text) { return text.substr(0, text.find('\n')); }
-
-}  // namespace
 
 CommandLine ParseCommandLine(const std::vector<std::string>& arguments) {
   CLI::App app("", "ostrel-bench");
   app.set_version_flag("--version", "ostrel-bench " OSTREL_VERSION "\n");
   app.allow_windows_style_options(false);  // "/folder/file.seq" is a file on Windows too
   app.require_subcommand(0, 1);
-  Texts texts;
-  const CLI::App* play = AddPlay(app, texts);
+  std::vector<KnownCommand> commands = AddCommands(app);
+  const auto chosen = [&] {
+    return std::find_if(commands.begin(), commands.end(),
+                        [](const KnownCommand& known) { return known.app->parsed(); });
+  };
   try {
     app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
   } catch (const CLI::CallForHelp&) {
-    return {std::nullopt, play->parsed() ? kPlayHelp + NBuses::DescribeBusKinds() + kPlayFooter : kHelp};
+    return {nullptr, chosen() != commands.end() ? chosen()->command->Help() : Help()};
   } catch (const CLI::CallForVersion& version) {
-    return {std::nullopt, version.what()};
-  } catch (const CLI::ArgumentMismatch& error) {
-    const std::string text = FirstLine(error.what());
-    const bool missing = text.find("missing") != std::string::npos;
-    throw std::runtime_error(missing ? text.substr(0, text.find(':')) + ": a value is wanted behind it"
-                                     : text);
+    return {nullptr, version.what()};
   } catch (const CLI::ParseError& error) {
-    throw std::runtime_error(FirstLine(error.what()));
+    throw std::runtime_error(Fault(error));
   }
-  if (!play->parsed()) throw std::runtime_error("a command is wanted; ostrel-bench --help lists them");
-  return {Check(texts), {}};
+  if (chosen() == commands.end()) {
+    throw std::runtime_error("a command is wanted; ostrel-bench --help lists them");
+  }
+  return {std::move(chosen()->command), {}};
 }
 
 }  // namespace NBench

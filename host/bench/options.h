@@ -1,14 +1,18 @@
 #pragma once
+// The command line: what its commands have in common, and the choice among them.
 
 #include <chrono>
 #include <cstdint>
-#include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "host/bench/host.h"
-#include "host/bench/report.h"
+
+namespace CLI {
+class App;
+}
 
 namespace NBench {
 
@@ -20,26 +24,51 @@ enum ExitStatus : int {
   kInterrupted = 130  ///< stopped by the user before the sequence had ended
 };
 
-/// What `ostrel-bench play` is asked to do.
-struct PlayOptions {
-  std::filesystem::path sequence;
-  HostOptions host;           ///< at least one channel
-  std::uint32_t channel = 0;  ///< one of the host's
-  bool cyclic = false;
-  std::optional<std::chrono::nanoseconds> duration;  ///< empty: until nothing is left to send
-  std::uint32_t delay_ms = 10;
-  std::optional<std::filesystem::path> log;
-  bool json = false;
-  View view;
+/// A command of the program. Its file makes it, and a row in the table of options.cpp makes it known.
+class Command {
+ public:
+  virtual ~Command() = default;
+  /// Declares its options. What they are set to is kept in the command.
+  virtual void AddOptions(CLI::App& app) = 0;
+  virtual std::string Help() const = 0;
+  /// Checks what the options were set to, then does what they ask for. Throws std::runtime_error, one line,
+  /// for bad input: nothing was transmitted then, and no file is left behind.
+  virtual ExitStatus Run() const = 0;
 };
 
 struct CommandLine {
-  std::optional<PlayOptions> play;
-  std::string text;  ///< help or version to print when there is nothing to play
+  std::unique_ptr<Command> command;
+  std::string text;  ///< help or version to print when there is no command to run
 };
 
 /// Reads the arguments behind the program's name, as UTF-8. Throws std::runtime_error, one line that names
 /// the argument at fault.
 CommandLine ParseCommandLine(const std::vector<std::string>& arguments);
+
+/// The options of a host as text, before anything is checked.
+struct HostTexts {
+  std::vector<std::string> channels, devices;
+  std::optional<std::string> channel, module;
+  std::string variant = "halvard";
+
+  /// --can, --channel, --device, --variant and --module.
+  void AddOptions(CLI::App& app);
+};
+
+/// Each of these throws std::runtime_error, one line that names the option and its value.
+HostOptions CheckHost(const HostTexts& texts);
+std::vector<ChannelOption> ParseChannels(const std::vector<std::string>& texts);
+/// The channel that is asked for, else the lowest.
+std::uint32_t ChooseChannel(const std::optional<std::string>& text,
+                            const std::vector<ChannelOption>& channels);
+/// The value of --for.
+std::chrono::nanoseconds ParseSeconds(const std::string& text);
+
+/// Throws std::runtime_error: "--delay 0: a number is wanted".
+[[noreturn]] void Refuse(const std::string& option, const std::string& value, const std::string& wanted);
+/// Empty: not a number, or not in the range.
+std::optional<std::uint32_t> ParseNumber(const std::string& text, std::uint32_t low, std::uint32_t high);
+/// "1 to 255"
+std::string Range(std::uint32_t low, std::uint32_t high);
 
 }  // namespace NBench

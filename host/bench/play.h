@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/bench/options.h"
+#include "host/bench/play_options.h"
 
 namespace NBench {
 

@@ -1,0 +1,117 @@
+#include "host/bench/play_options.h"
+
+#include <CLI/CLI.hpp>
+
+#include "host/bench/console.h"
+#include "host/bench/play.h"
+#include "host/buses/bus_factory.h"
+#include "host/runtime/text.h"
+
+namespace NBench {
+namespace {
+
+constexpr std::uint32_t kLongestDelay_ms = 100000;
+
+constexpr char kPlayHelp[] = R"(Plays a sequence file through the module's generator on a CAN bus.
+
+Usage: ostrel-bench play FILE.seq [OPTIONS]
+
+The run ends with the sequence. With --cyclic it goes on until Ctrl+C, or until
+the sequence has stopped the cyclic list. With --for it lasts the time given.
+
+What is sent, and how:
+  --can NUMBER=BUS   Put CAN channel NUMBER on a bus; may be given several times
+                     (default: 1=virtual)
+  --channel NUMBER   Channel on which the generator sends (default: the lowest)
+  --cyclic           Send the cyclic list too, from the beginning
+  --for SECONDS      Run for this long
+  --delay MS         Pause between two items, 1 to 100000 (default: 10)
+  --device NODE      Put a simulated CANopen device on the generator's bus, an I/O
+                     device with this node-ID; may be given several times
+  --variant NAME     Kind of host to be, halvard or tesmond (default: halvard)
+  --module PATH      Module to load (default: Ostrel.hpi beside this program)
+
+What is shown:
+  --frames           The frames on the bus
+  --transfers        SDO transfers in words. Without either, a terminal shows both
+                     and everything else the frames
+  --times            The time of each frame in front of it, in seconds
+  --words            What each frame means in CANopen behind it
+  --json             One JSON document at the end, nothing else
+  --log OUT.log      Write the frames of all channels to a candump log; channel 1
+                     is called can1 there
+
+Buses:
+)";
+
+constexpr char kPlayFooter[] = R"(
+Exit status: 0 transmitted, 1 not everything was transmitted, 2 bad input,
+130 stopped by Ctrl+C before the end of the sequence.
+
+Examples:
+  ostrel-bench play first-steps.seq
+      Each item of the sequence once, every frame as it leaves.
+  ostrel-bench play first-steps.seq --cyclic --for 5 --log out.log
+      Five seconds with the cyclic list, into a log for can-utils.
+  ostrel-bench play first-steps.seq --device 5 --transfers
+      Against a simulated device, its SDO transfers in words.
+  ostrel-bench play first-steps.seq --json > frames.json
+      For a script.
+)";
+
+class PlayCommand final : public Command {
+ public:
+  void AddOptions(CLI::App& app) override;
+  std::string Help() const override { return kPlayHelp + NBuses::DescribeBusKinds() + kPlayFooter; }
+  ExitStatus Run() const override { return Play(Check()); }
+
+ private:
+  PlayOptions Check() const;
+
+  // The options as text, before anything is checked.
+  HostTexts mHost;
+  std::string mSequence, mDelay = "10";
+  std::optional<std::string> mDuration, mLog;
+  bool mCyclic = false, mJson = false;
+  bool mFrames = false, mTransfers = false, mTimes = false, mWords = false;
+};
+
+void PlayCommand::AddOptions(CLI::App& app) {
+  app.add_option("FILE.seq", mSequence)->required();
+  mHost.AddOptions(app);
+  app.add_flag("--cyclic", mCyclic);
+  app.add_option("--for", mDuration);
+  app.add_option("--delay", mDelay);
+  app.add_option("--log", mLog);
+  app.add_flag("--json", mJson);
+  app.add_flag("--frames", mFrames);
+  app.add_flag("--transfers", mTransfers);
+  app.add_flag("--times", mTimes);
+  app.add_flag("--words", mWords);
+}
+
+PlayOptions PlayCommand::Check() const {
+  PlayOptions options;
+  options.sequence = NRuntime::ToPath(mSequence);
+  options.host = CheckHost(mHost);
+  options.channel = ChooseChannel(mHost.channel, options.host.channels);
+  options.cyclic = mCyclic;
+  options.json = mJson;
+  // A program that reads the output expects frames alone; a person sees the transfers as well.
+  const bool chosen = mFrames || mTransfers;
+  options.view = {chosen ? mFrames : true, chosen ? mTransfers : IsTerminal(stdout), mTimes, mWords};
+  const auto delay = ParseNumber(mDelay, 1, kLongestDelay_ms);
+  if (!delay) {
+    Refuse("--delay", mDelay, "a number of milliseconds from " + Range(1, kLongestDelay_ms) + " is wanted");
+  }
+  options.delay_ms = *delay;
+  if (mDuration) options.duration = ParseSeconds(*mDuration);
+  if (mLog) options.log = NRuntime::ToPath(*mLog);
+  return options;
+}
+
+}  // namespace
+
+std::unique_ptr<Command> MakePlayCommand() { return std::make_unique<PlayCommand>(); }
+
+}  // namespace NBench
