@@ -2,33 +2,42 @@
 
 #include <algorithm>
 #include <charconv>
+#include <optional>
 #include <stdexcept>
 
-#include "host/buses/bus_name.h"
-
 namespace NBuses {
-namespace {
 
-constexpr std::uint32_t kLowestBitRate = 1000, kHighestBitRate = 1000000;
-constexpr std::size_t kMeaningColumn = 21;  // of the help text
-
-struct BusKind {
+// A row per kind: what the help says of it, and how it is made.
+struct BusFactory::Kind {
   std::string_view name;
-  std::string_view form;  // for the help text
+  std::string_view form;
   std::string_view meaning;
   std::vector<std::string_view> options;
+  Adapter (BusFactory::*make)(std::string_view word, const BusName& name);
 };
 
-const std::vector<BusKind>& Kinds() {
-  static const std::vector<BusKind> kinds = {
+const std::vector<BusFactory::Kind>& BusFactory::Kinds() {
+  static const std::vector<Kind> kinds = {
       {"virtual",
        "virtual[:NAME]",
        "a bus inside this program; channels with the same NAME share it;\n"
        "                     option bitrate=BPS: frames take their time on it",
-       {"bitrate"}},
+       {"bitrate"},
+       &BusFactory::MakeVirtual},
+      {"replay",
+       "replay:FILE",
+       "a log of candump; options speed=FACTOR or speed=max, iface=NAME",
+       {"speed", "iface"},
+       &BusFactory::MakeReplay},
   };
   return kinds;
 }
+
+namespace {
+
+constexpr std::size_t kMeaningColumn = 21;  // of the help text
+constexpr std::uint32_t kLowestBitRate = 1000, kHighestBitRate = 1000000;
+constexpr double kLowestSpeed = 0.01, kHighestSpeed = 1000;
 
 [[noreturn]] void Refuse(std::string_view word, const std::string& reason) {
   throw std::runtime_error("bus \"" + std::string(word) + "\": " + reason);
@@ -41,26 +50,25 @@ std::string Join(const Range& range, Name name) {
   return text;
 }
 
-const BusKind& FindKind(std::string_view word, const BusName& name) {
-  for (const BusKind& kind : Kinds()) {
-    if (kind.name == name.kind) return kind;
-  }
-  const std::string known = Join(Kinds(), [](const BusKind& kind) { return kind.name; });
-  Refuse(word, "unknown kind \"" + name.kind + "\" (known: " + known + ")");
-}
-
-void CheckOptions(std::string_view word, const BusName& name, const BusKind& kind) {
+void CheckOptions(std::string_view word, const BusName& name, const std::vector<std::string_view>& options) {
   for (const auto& [option, value] : name.options) {
-    if (std::find(kind.options.begin(), kind.options.end(), option) != kind.options.end()) continue;
-    const std::string known = Join(kind.options, [](std::string_view text) { return text; });
-    Refuse(word, "unknown option \"" + option + "\" (" + std::string(kind.name) + " has " +
+    if (std::find(options.begin(), options.end(), option) != options.end()) continue;
+    const std::string known = Join(options, [](std::string_view text) { return text; });
+    Refuse(word, "unknown option \"" + option + "\" (" + name.kind + " has " +
                      (known.empty() ? "none" : known) + ")");
   }
 }
 
+std::optional<std::string> Option(const BusName& name, std::string_view option) {
+  for (const auto& [key, value] : name.options) {
+    if (key == option) return value;
+  }
+  return std::nullopt;
+}
+
 std::uint32_t ParseBitRate(std::string_view word, const std::string& text) {
   std::uint32_t rate = 0;
-  const char* const end = text.data() + text.size();
+  const char* end = text.data() + text.size();
   const auto [stopped, error] = std::from_chars(text.data(), end, rate);
   if (error != std::errc() || stopped != end || rate < kLowestBitRate || rate > kHighestBitRate) {
     Refuse(word, "bitrate=" + text + ": bits per second from 1000 to 1000000 are wanted");
@@ -68,22 +76,73 @@ std::uint32_t ParseBitRate(std::string_view word, const std::string& text) {
   return rate;
 }
 
+double ParseSpeed(std::string_view word, const std::string& text) {
+  double speed = 0;
+  const char* end = text.data() + text.size();
+  const auto [stopped, error] = std::from_chars(text.data(), end, speed, std::chars_format::fixed);
+  // The comparison is written so that "nan" fails it.
+  if (error != std::errc() || stopped != end || !(speed >= kLowestSpeed && speed <= kHighestSpeed)) {
+    Refuse(word, "speed=" + text + ": max or a factor from 0.01 to 1000 is wanted");
+  }
+  return speed;
+}
+
 }  // namespace
 
-std::unique_ptr<NRuntime::CanAdapter> BusFactory::Make(std::string_view word) {
+const BusFactory::Kind& BusFactory::FindKind(std::string_view word, const BusName& name) {
+  for (const Kind& kind : Kinds()) {
+    if (kind.name == name.kind) return kind;
+  }
+  const std::string known = Join(Kinds(), [](const Kind& kind) { return kind.name; });
+  Refuse(word, "unknown kind \"" + name.kind + "\" (known: " + known + ")");
+}
+
+BusFactory::Adapter BusFactory::Make(std::string_view word) {
   const BusName name = ParseBusName(word);
-  CheckOptions(word, name, FindKind(word, name));
+  const Kind& kind = FindKind(word, name);
+  CheckOptions(word, name, kind.options);
+  return (this->*kind.make)(word, name);
+}
+
+BusFactory::Adapter BusFactory::MakeVirtual(std::string_view word, const BusName& name) {
   std::shared_ptr<VirtualBus> bus = mVirtualBuses.Get(name.address);
-  for (const auto& [option, bitRate] : name.options) {
-    if (bus->SetBitRate(ParseBitRate(word, bitRate))) continue;
+  const auto bitRate = Option(name, "bitrate");
+  if (bitRate && !bus->SetBitRate(ParseBitRate(word, *bitRate))) {
     Refuse(word, "the bit rate of this bus is " + std::to_string(bus->BitRate()) + " already");
   }
   return std::make_unique<VirtualPort>(std::move(bus));
 }
 
+BusFactory::Adapter BusFactory::MakeReplay(std::string_view word, const BusName& name) {
+  if (name.address.empty()) Refuse(word, "the name of a log is wanted: replay:FILE");
+  const std::string speed = Option(name, "speed").value_or("1");
+  if (speed == "max") {
+    SkipWaits(word);
+  } else {
+    KeepRealTime(word);
+  }
+  return std::make_unique<ReplayPort>(
+      mReplays.Get(name.address, speed == "max" ? 1 : ParseSpeed(word, speed)), Option(name, "iface"));
+}
+
+void BusFactory::SkipWaits(std::string_view word) {
+  if (!mRealTimeBus.empty()) {
+    Refuse(word, "speed=max sets the clock, but \"" + mRealTimeBus + "\" goes by the real one");
+  }
+  if (mFastReplay.empty()) mFastReplay = word;
+  if (mAsioLoop) mAsioLoop->SkipWaits();
+}
+
+void BusFactory::KeepRealTime(std::string_view word) {
+  if (!mFastReplay.empty()) {
+    Refuse(word, "it goes by the real clock, but \"" + mFastReplay + "\" sets its own with speed=max");
+  }
+  if (mRealTimeBus.empty()) mRealTimeBus = word;
+}
+
 std::string DescribeBusKinds() {
   std::string text;
-  for (const BusKind& kind : Kinds()) {
+  for (const BusFactory::Kind& kind : BusFactory::Kinds()) {
     std::string form = "  " + std::string(kind.form);
     form.resize(std::max(form.size() + 1, kMeaningColumn), ' ');
     text += form + std::string(kind.meaning) + "\n";
