@@ -141,6 +141,23 @@ TEST_F(Play, TransfersWithASimulatedDeviceAreOfEveryKind) {
                                          "expedited download 4 aborted \"06010002\""));
 }
 
+// A thousand segments at least of 111 bits, at 1 Mbit/s.
+TEST_F(Play, ABusWithABitRateTakesItsTime) {
+  const auto outcome =
+      Run(R"(<SDO NodeID="5" COBIDTx="0x605" COBIDRx="0x585" Index="0x2002" Data="string:x" )"
+          R"(BlockTransfer="1" ObjectSize="7000" AutoCANID="1" Enabled="1"/>)",
+          "", "--device 5 --can 1=virtual,bitrate=1000000 --json");
+  EXPECT_EQ(outcome.status, 0) << outcome.errors;
+  const json document = json::parse(outcome.output);
+  ASSERT_EQ(document["transfers"].size(), 1u);
+  EXPECT_EQ(document["transfers"][0]["bytes"], 7000);
+  EXPECT_EQ(document["transfers"][0]["result"], "ok");
+  const json& frames = document["frames"];
+  const double took = frames.back()["time"].get<double>() - frames[0]["time"].get<double>();
+  EXPECT_GT(took, 0.111);
+  EXPECT_LT(took, 1.5);
+}
+
 TEST_F(Play, ATransferThatCannotStartIsAnError) {
   const auto outcome =
       Run(R"(<SDO NodeID="0" Upload="1" AutoCANID="0" Enabled="1"/>)" + std::string(kSync), "", "");
