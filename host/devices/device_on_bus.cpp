@@ -85,7 +85,7 @@ AbortCode DeviceOnBus::SetValue(ObjectAddress address, BytesView value) {
 }
 
 std::unique_ptr<DeviceOnBus> AttachDevice(NRuntime::Loop& loop, std::unique_ptr<NRuntime::CanAdapter> adapter,
-                                          const DeviceWord& word, const Misbehaviour& misbehaviour) {
+                                          const DeviceWord& word) {
   const std::string node = std::to_string(word.nodeId);
   if (!word.description.empty()) {
     throw std::runtime_error("device \"" + node + ":" + word.description +
@@ -94,7 +94,7 @@ std::unique_ptr<DeviceOnBus> AttachDevice(NRuntime::Loop& loop, std::unique_ptr<
   }
   DeviceOptions options;
   options.nodeId = word.nodeId;
-  options.misbehaviour = misbehaviour;
+  options.misbehaviour = word.faults;
   return std::make_unique<DeviceOnBus>(loop, std::move(adapter), options, IoDeviceObjects(word.nodeId));
 }
 

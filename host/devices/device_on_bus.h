@@ -58,6 +58,6 @@ class DeviceOnBus final : private NRuntime::CanAdapterEvents, private FrameSink 
 /// Makes the device that the word describes, still off. Throws std::runtime_error, one line that names the
 /// word, when it has a description: only the built-in I/O device is known.
 std::unique_ptr<DeviceOnBus> AttachDevice(NRuntime::Loop& loop, std::unique_ptr<NRuntime::CanAdapter> adapter,
-                                          const DeviceWord& word, const Misbehaviour& misbehaviour = {});
+                                          const DeviceWord& word);
 
 }  // namespace NDevices

@@ -97,14 +97,50 @@ TEST(DeviceWord, IsTakenApart) {
   }
 }
 
+TEST(DeviceWord, SaysHowTheDeviceMisbehaves) {
+  const Misbehaviour some =
+      ParseDeviceWord("5,late=300,silent,abort=0x06020000,abort-at=7,drop-segment,segment=0x10").faults;
+  EXPECT_EQ(some.answerDelay, std::chrono::milliseconds(300));
+  EXPECT_TRUE(some.silent && some.dropSegment);
+  EXPECT_FALSE(some.wrongToggle || some.wrongSequence || some.badCrc || some.varyBlockSize);
+  EXPECT_EQ(some.abort, AbortCode::NoObject);
+  EXPECT_EQ(some.abortAtSegment, 7u);
+  EXPECT_EQ(some.segment, 16u);
+  const DeviceWord others = ParseDeviceWord("5:a.eds,wrong-toggle,wrong-sequence,bad-crc,vary-block-size");
+  EXPECT_EQ(others.description, "a.eds");
+  EXPECT_TRUE(others.faults.wrongToggle && others.faults.wrongSequence && others.faults.badCrc &&
+              others.faults.varyBlockSize);
+  EXPECT_EQ(others.faults.segment, 1u);
+}
+
 TEST(DeviceWord, RefusalsNameTheWordAndTheFault) {
   const std::pair<const char*, const char*> cases[] = {
-      {"", "begins with its node-ID"},     {":a.eds", "begins with its node-ID"},
-      {"0", "not in the range 1 to 127"},  {"128", "not in the range 1 to 127"},
-      {"99999999999", "not in the range"}, {"-1", "no decimal number"},
-      {"0x5", "no decimal number"},        {" 5", "no decimal number"},
-      {"5 ", "no decimal number"},         {"five", "no decimal number"},
+      {"", "begins with its node-ID"},
+      {":a.eds", "begins with its node-ID"},
+      {"0", "not in the range 1 to 127"},
+      {"128", "not in the range 1 to 127"},
+      {"99999999999", "not in the range"},
+      {"-1", "no decimal number"},
+      {"0x5", "no decimal number"},
+      {" 5", "no decimal number"},
+      {"5 ", "no decimal number"},
+      {"five", "no decimal number"},
       {"5:", "missing after the colon"},
+      {"5:,silent", "missing after the colon"},
+      {"5,", "after the last comma"},
+      {"5,silent,", "after the last comma"},
+      {"5,,silent", "NAME=VALUE"},
+      {"5,=3", "NAME=VALUE"},
+      {"5,Silent", "known: late, silent"},
+      {"5,silent=1", "has no value"},
+      {"5,late", "late=MS"},
+      {"5,late=", "late=: a number from 0 to 3600000"},
+      {"5,late=3600001", "0 to 3600000"},
+      {"5,late=1,late=1", "given twice"},
+      {"5,abort=0", "a number from 1 is"},
+      {"5,abort=0x100000000", "a number from 1 is"},
+      {"5,abort-at=2", "wants abort=CODE"},
+      {"5,segment=2", "beside it"},
   };
   for (const auto& [word, fault] : cases) {
     try {
