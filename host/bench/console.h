@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdio>
 #include <filesystem>
 #include <string>
@@ -35,19 +36,34 @@ class Output {
 /// One line on standard error, with the program's name in front.
 void Complain(std::string_view text);
 
-/// A line at the foot of a terminal that is written over and over. On anything but a terminal nothing
+struct TerminalSize {
+  std::size_t columns = 80;
+  std::size_t rows = 24;
+  bool operator==(const TerminalSize&) const = default;
+};
+
+/// Of the terminal that a stream leads to; one of the usual size when it does not say.
+TerminalSize SizeOfTerminal(std::FILE* stream);
+
+/// Lines at the foot of a terminal that are written over and over. On anything but a terminal nothing
 /// happens.
-class StatusLine {
+class Foot {
  public:
-  StatusLine();
+  /// On standard output or standard error.
+  explicit Foot(std::FILE* stream);
   bool IsShown() const { return mIsTerminal; }
-  void Show(const std::string& text);
+  /// Lines of printable characters, each shorter than the terminal is wide.
+  void Show(const std::vector<std::string>& lines);
   /// Makes room for other output.
   void Clear();
 
  private:
+  std::string ToTop() const;
+  void Write(const std::string& text);
+
+  std::FILE* mStream;
   bool mIsTerminal;
-  std::size_t mSize = 0;  // columns on the screen now
+  std::vector<std::size_t> mShown;  // columns of the lines on the screen now
 };
 
 }  // namespace NBench

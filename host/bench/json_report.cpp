@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "host/bench/console.h"
+#include "host/bench/node_document.h"
 #include "host/bench/report.h"
 #include "host/buses/candump.h"
 
@@ -69,13 +70,16 @@ class JsonReport final : public Report {
 
   void Transferred(const SdoTransfer& transfer) override { mTransfers.push_back(TransferDocument(transfer)); }
 
+  void Changed(NRuntime::Time, const NodeChange&) override {}
+
   void Finish(const Tally& tally) override {
     Json document = {{"items", tally.itemsSent},
                      {"frames", Json::array()},
                      {"transfers", mTransfers},
                      {"errors", tally.errors}};
+    if (tally.nodes) document["nodes"] = NodesDocument(tally.nodes->nodes);
     for (const NRuntime::SeenFrame& frame : mFrames) document["frames"].push_back(FrameDocument(frame));
-    mOutput.Write(document.dump(-1, ' ', false, Json::error_handler_t::replace) + '\n');
+    mOutput.Write(DocumentText(document));
   }
 
   bool IsUnread() const override { return mOutput.Failed(); }

@@ -19,9 +19,9 @@ namespace NBench {
 /// Exit statuses of the program.
 enum ExitStatus : int {
   kOk = 0,
-  kFailed = 1,        ///< something was not transmitted as asked
+  kFailed = 1,        ///< something was not done as asked
   kBadInput = 2,      ///< the command line or a file named there is at fault; nothing was transmitted
-  kInterrupted = 130  ///< stopped by the user before the sequence had ended
+  kInterrupted = 130  ///< stopped by the user before the end
 };
 
 /// A command of the program. Its file makes it, and a row in the table of options.cpp makes it known.

@@ -5,6 +5,8 @@
 
 #include "host/bench/console.h"
 #include "host/bench/generator_block.h"
+#include "host/bench/node_scan.h"
+#include "host/bench/node_table.h"
 #include "host/bench/report.h"
 #include "host/bench/sdo_observer.h"
 #include "host/bench/stop_request.h"
@@ -44,16 +46,19 @@ class Player final : private NRuntime::MeasurementObserver, private GeneratorLis
   void OnItemFailed(NSdk::GeneratorList list, std::uint32_t position) override;
   void OnTransferEnded(NSdk::GeneratorList list, std::uint32_t position, std::uint32_t result) override;
   void OnActivityChanged() override { EndWhenIdle(); }
+  void OnNodesChanged(NRuntime::Time time);
   void OnModuleMessage(const std::string& text);
 
   void OpenLog();
   void Start();
+  std::vector<NRuntime::ComPtr<IUnknown>> Blocks() const;
   void StartTransmission();
   void WaitForEnd();
   void EndWhenIdle();
   bool IsIdle() const;
   void EndByUser();
   ExitStatus Finish();
+  void TakeNodes();
 
   void AddTransfers(const std::vector<SdoTransfer>& ended);
   void WriteLog(const NRuntime::SeenFrame& seen);
@@ -64,7 +69,8 @@ class Player final : private NRuntime::MeasurementObserver, private GeneratorLis
   const PlayOptions mOptions;
   Host mHost;
   GeneratorBlock mGenerator;
-  StatusLine mStatus;
+  std::unique_ptr<NodeScan> mScan;  // when it is asked for
+  Foot mFoot;
   std::unique_ptr<Report> mReport;
   Tally mTally;
   SdoObserver mTransfers;
@@ -79,6 +85,10 @@ Player::Player(const PlayOptions& options)
     : mOptions(options),
       mHost(options.host, *this, [this](const std::string& text) { OnModuleMessage(text); }),
       mGenerator(mHost.Module(), mHost.Application(), GeneratorSettings(options), *this),
+      mScan(options.scan
+                ? std::make_unique<NodeScan>(mHost, [this](NRuntime::Time time) { OnNodesChanged(time); })
+                : nullptr),
+      mFoot(options.liveTable ? stdout : stderr),
       mReport(options.json ? MakeJsonReport() : MakeTextReport(options.view)) {
   mGenerator.LoadSequence(options.sequence);
   mTally.itemsToSend = mGenerator.CountEnabled(NSdk::kSequenceList);
@@ -106,7 +116,7 @@ void Player::OpenLog() {
 void Player::Start() {
   mStart_utc = std::chrono::system_clock::now().time_since_epoch();
   try {
-    mHost.Measurement().Start({mGenerator.Object()});
+    mHost.Measurement().Start(Blocks());
     mHost.PowerOnDevices();
     StartTransmission();
   } catch (...) {
@@ -114,6 +124,13 @@ void Player::Start() {
     if (mLog) mLog->Discard();
     throw;
   }
+}
+
+std::vector<NRuntime::ComPtr<IUnknown>> Player::Blocks() const {
+  std::vector<NRuntime::ComPtr<IUnknown>> blocks = {mGenerator.Object()};
+  if (!mScan) return blocks;
+  for (const auto& block : mScan->Blocks()) blocks.push_back(block);
+  return blocks;
 }
 
 // Cyclic transmission is asked for first: a request that comes after a sequence has ended waits for the next
@@ -139,10 +156,11 @@ void Player::WaitForEnd() {
   if (mOptions.duration) end->SetFor(loop.Now() - mHost.Measurement().Elapsed() + *mOptions.duration);
   std::unique_ptr<NRuntime::Alarm> status;
   status = loop.MakeAlarm([&] {
+    if (mScan) mScan->CheckTime();
     ShowStatus();
     status->SetFor(loop.Now() + kStatusPeriod);
   });
-  if (mStatus.IsShown()) status->SetFor(loop.Now());
+  if (mFoot.IsShown() || mScan) status->SetFor(loop.Now());
   loop.Run();
 }
 
@@ -168,6 +186,7 @@ void Player::EndByUser() {
 ExitStatus Player::Finish() {
   const std::uint32_t activity = mGenerator.Activity();
   mTally.elapsed = mHost.Measurement().Elapsed();
+  TakeNodes();
   mHost.Measurement().Stop();
   const bool cutShort = (activity & NSdk::kSequenceRunning) != 0;
   if (cutShort) {
@@ -178,7 +197,7 @@ ExitStatus Player::Finish() {
         "lets it go on");
   }
   if (!mFailedItem.empty()) AddError("not transmitted");
-  mStatus.Clear();
+  mFoot.Clear();
   AddTransfers(mTransfers.Finish(mTally.elapsed));
   mReport->Finish(mTally);
   if (!mReport->Fault().empty()) Complain(mReport->Fault());
@@ -186,14 +205,27 @@ ExitStatus Player::Finish() {
   return cutShort && mEndedByUser ? kInterrupted : kOk;
 }
 
+void Player::TakeNodes() {
+  if (!mScan) return;
+  mScan->CheckTime();
+  mTally.nodes = mScan->Scanner().Table();
+}
+
 void Player::OnFrame(const NRuntime::SeenFrame& seen) {
   WriteLog(seen);
   if (seen.direction == NSdk::kCanTransmitted) ++mTally.framesSent;
-  mStatus.Clear();
+  if (!mOptions.liveTable) mFoot.Clear();  // nothing is written above a table
   mReport->Seen(seen);
   AddTransfers(mTransfers.OnFrame(seen.channel, seen.frame, seen.time));
-  ShowStatus();
+  if (!mOptions.liveTable) ShowStatus();
   if (mReport->IsUnread()) mHost.Loop().Stop();
+}
+
+void Player::OnNodesChanged(NRuntime::Time time) {
+  if (!mOptions.view.changes) return;
+  mFoot.Clear();
+  for (const NodeChange& change : mScan->TakeChanges()) mReport->Changed(time, change);
+  ShowStatus();
 }
 
 void Player::AddTransfers(const std::vector<SdoTransfer>& ended) {
@@ -248,16 +280,18 @@ void Player::AddError(const std::string& text) {
 }
 
 void Player::Remark(const std::string& text) {
-  mStatus.Clear();
+  mFoot.Clear();
   Complain(text);
 }
 
 void Player::ShowStatus() {
-  if (!mStatus.IsShown()) return;
+  if (!mFoot.IsShown()) return;
   const auto tenths =
       std::chrono::duration_cast<std::chrono::milliseconds>(mHost.Measurement().Elapsed()) / 100;
   const std::string seconds = std::to_string(tenths.count() / 10) + '.' + std::to_string(tenths.count() % 10);
-  mStatus.Show(ProgressText(mTally) + ", " + seconds + " s");
+  const std::string text = ProgressText(mTally) + ", " + seconds + " s";
+  mFoot.Show(mOptions.liveTable ? LiveLines(mScan->Scanner().Table(), SizeOfTerminal(stdout), text)
+                                : std::vector<std::string>{text});
 }
 
 }  // namespace

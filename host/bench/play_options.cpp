@@ -37,6 +37,9 @@ What is shown:
                      and everything else the frames
   --times            The time of each frame in front of it, in seconds
   --words            What each frame means in CANopen behind it
+  --scan             The nodes that are heard: each change as a line, the table at
+                     the end; on a terminal, where no frames or transfers are
+                     asked for, the table alone, drawn in its place
   --json             One JSON document at the end, nothing else
   --log OUT.log      Write the frames of all channels to a candump log; channel 1
                      is called can1 there
@@ -55,6 +58,8 @@ Examples:
       Five seconds with the cyclic list, into a log for can-utils.
   ostrel-bench play first-steps.seq --device 5 --transfers
       Against a simulated device, its SDO transfers in words.
+  ostrel-bench play first-steps.seq --device 5 --transfers --scan
+      What becomes of the nodes meanwhile.
   ostrel-bench play first-steps.seq --json > frames.json
       For a script.
 )";
@@ -67,13 +72,14 @@ class PlayCommand final : public Command {
 
  private:
   PlayOptions Check() const;
+  void ChooseView(PlayOptions& options) const;
 
   // The options as text, before anything is checked.
   HostTexts mHost;
   std::string mSequence, mDelay = "10";
   std::optional<std::string> mDuration, mLog;
   bool mCyclic = false, mJson = false;
-  bool mFrames = false, mTransfers = false, mTimes = false, mWords = false;
+  bool mFrames = false, mTransfers = false, mTimes = false, mWords = false, mScan = false;
 };
 
 void PlayCommand::AddOptions(CLI::App& app) {
@@ -88,6 +94,7 @@ void PlayCommand::AddOptions(CLI::App& app) {
   app.add_flag("--transfers", mTransfers);
   app.add_flag("--times", mTimes);
   app.add_flag("--words", mWords);
+  app.add_flag("--scan", mScan);
 }
 
 PlayOptions PlayCommand::Check() const {
@@ -97,9 +104,7 @@ PlayOptions PlayCommand::Check() const {
   options.channel = ChooseChannel(mHost.channel, options.host.channels);
   options.cyclic = mCyclic;
   options.json = mJson;
-  // A program that reads the output expects frames alone; a person sees the transfers as well.
-  const bool chosen = mFrames || mTransfers;
-  options.view = {chosen ? mFrames : true, chosen ? mTransfers : IsTerminal(stdout), mTimes, mWords};
+  ChooseView(options);
   const auto delay = ParseNumber(mDelay, 1, kLongestDelay_ms);
   if (!delay) {
     Refuse("--delay", mDelay, "a number of milliseconds from " + Range(1, kLongestDelay_ms) + " is wanted");
@@ -108,6 +113,20 @@ PlayOptions PlayCommand::Check() const {
   if (mDuration) options.duration = ParseSeconds(*mDuration);
   if (mLog) options.log = NRuntime::ToPath(*mLog);
   return options;
+}
+
+// A program that reads the output expects frames alone; a person sees the transfers as well, or the table of
+// nodes in its place, above which nothing scrolls.
+void PlayCommand::ChooseView(PlayOptions& options) const {
+  const bool chosen = mFrames || mTransfers;
+  const bool isTerminal = IsTerminal(stdout);
+  options.scan = mScan;
+  options.liveTable = mScan && isTerminal && !chosen && !mJson;
+  options.view.frames = chosen ? mFrames : !options.liveTable;
+  options.view.transfers = chosen ? mTransfers : isTerminal && !options.liveTable;
+  options.view.times = mTimes;
+  options.view.words = mWords;
+  options.view.changes = mScan && !options.liveTable && !mJson;
 }
 
 }  // namespace

@@ -22,6 +22,8 @@ struct PlayOptions {
   std::uint32_t delay_ms = 10;
   std::optional<std::filesystem::path> log;
   bool json = false;
+  bool scan = false;       ///< list the nodes as well
+  bool liveTable = false;  ///< and redraw the list in its place
   View view;
 };
 

@@ -1,8 +1,10 @@
 #include <algorithm>
 #include <cstdio>
+#include <limits>
 
 #include "host/bench/console.h"
 #include "host/bench/frame_words.h"
+#include "host/bench/node_table.h"
 #include "host/bench/report.h"
 #include "host/buses/candump.h"
 
@@ -55,10 +57,14 @@ class TextReport final : public Report {
     mOutput.Write(std::string(indent, ' ') + "  " + InWords(transfer) + '\n');
   }
 
+  void Changed(NRuntime::Time time, const NodeChange& change) override {
+    if (!mView.changes) return;
+    mOutput.Write((mView.times ? NBuses::ConsoleTime(time) : std::string()) + ChangeLine(change) + '\n');
+  }
+
   void Finish(const Tally& tally) override {
-    const std::string errors =
-        tally.errors.empty() ? "no errors" : Count(tally.errors.size(), "error", "errors");
-    mOutput.Write(ProgressText(tally) + TransfersText(tally) + ", " + Seconds(tally.elapsed) + ", " + errors +
+    if (tally.nodes) WriteTable(*tally.nodes);
+    mOutput.Write(ProgressText(tally) + TransfersText(tally) + RunText(tally.elapsed, tally.errors.size()) +
                   '\n');
   }
 
@@ -66,6 +72,14 @@ class TextReport final : public Report {
   std::string Fault() const override { return mOutput.Reason(); }
 
  private:
+  void WriteTable(const NodeTable& table) {
+    const std::size_t width =
+        IsTerminal(stdout) ? SizeOfTerminal(stdout).columns - 1 : std::numeric_limits<std::size_t>::max();
+    mOutput.Write("\n");
+    for (const std::string& line : TableLines(table, width)) mOutput.Write(line + '\n');
+    mOutput.Write("\n");
+  }
+
   View mView;
   Output mOutput;
 };
@@ -76,6 +90,10 @@ std::string ProgressText(const Tally& tally) {
   const std::string sent =
       tally.itemsSent == tally.itemsToSend ? "" : std::to_string(tally.itemsSent) + " of ";
   return sent + Count(tally.itemsToSend, "item", "items") + ", " + Count(tally.framesSent, "frame", "frames");
+}
+
+std::string RunText(NRuntime::Time elapsed, std::size_t errors) {
+  return ", " + Seconds(elapsed) + ", " + (errors == 0 ? "no errors" : Count(errors, "error", "errors"));
 }
 
 std::unique_ptr<Report> MakeTextReport(const View& view) { return std::make_unique<TextReport>(view); }

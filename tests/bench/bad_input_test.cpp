@@ -43,7 +43,7 @@ class BadInput : public testing::Test {
 TEST_F(BadInput, OnTheCommandLine) {
   const std::pair<const char*, const char*> cases[] = {
       {"--can 1=serial", "unknown kind \"serial\""},
-      {"--can 1=virtual,bitrate=125000", "\"bitrate\""},
+      {"--can 1=virtual,rate=125000", "\"rate\""},
       {"--can 0=virtual", "--can 0=virtual"},
       {"--can virtual", "--can virtual"},
       {"--can 1=virtual --can 1=virtual", "channel 1 is given twice"},
@@ -72,6 +72,21 @@ TEST_F(BadInput, OnTheCommandLine) {
   Expect("", "--help");
   Expect("sing", "sing");
   Expect("play", "FILE.seq");
+}
+
+TEST_F(BadInput, OfAScan) {
+  const std::pair<std::string, const char*> cases[] = {
+      {"--can 1=serial", "unknown kind \"serial\""},
+      {"--channel 2", "--channel 2"},
+      {"--for soon", "--for soon"},
+      {"--device 128", "device \"128\""},
+      {"--variant other", "--variant other"},
+      {"it.seq", "it.seq"},
+      {"--log " + In("folder"), "folder: cannot be created"},
+      {"--module " + In("none.hpi"), "none.hpi: no such module"},
+      {"--module " + NTest::Quoted(FAULTY_MODULE_5), "is not a scanner"},
+  };
+  for (const auto& [options, named] : cases) Expect("scan " + options, named);
 }
 
 TEST_F(BadInput, InFiles) {

@@ -40,6 +40,13 @@ TEST_F(Interruption, CtrlCStopsCleanlyWithAWholeLogAndASummary) {
   }
 }
 
+TEST_F(Interruption, CtrlCIsTheEndOfAScanThatHasNoOther) {
+  const std::string scan = "timeout --preserve-status -s INT 0.5 " + kProgram + "scan --device 5 ";
+  EXPECT_EQ(Shell(scan + "> out.txt"), 0);
+  EXPECT_THAT(NTest::ReadFile(folder / "out.txt"), HasSubstr("\n1 node, "));
+  EXPECT_EQ(Shell(scan + "--for 20 > out.txt"), 130);
+}
+
 TEST_F(Interruption, AReaderThatLeavesEndsTheRunQuietly) {
   EXPECT_EQ(Shell("timeout 20 " + kProgram + "play it.seq --cyclic 2> err.txt | head -n 2 > out.txt"), 0);
   EXPECT_EQ(NTest::ReadFile(folder / "out.txt"), "  can1  080   [0] \n  can1  080   [0] \n");

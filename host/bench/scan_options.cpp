@@ -1,0 +1,87 @@
+#include "host/bench/scan_options.h"
+
+#include <CLI/CLI.hpp>
+
+#include "host/bench/scan.h"
+#include "host/buses/bus_factory.h"
+#include "host/runtime/text.h"
+
+namespace NBench {
+namespace {
+
+constexpr char kScanHelp[] = R"(Lists the CANopen nodes that the module's scanner hears on a CAN bus. It only
+listens: nothing is sent.
+
+Usage: ostrel-bench scan [OPTIONS]
+
+On a terminal the table is drawn in its place and stays there at the end;
+elsewhere each change is one line, with the seconds since the start in front of
+it. A node is listed once it has sent something of its own. Its name, profile,
+vendor-ID and serial number are shown once somebody on the bus has read them.
+
+What is heard, and for how long:
+  --can NUMBER=BUS   Put CAN channel NUMBER on a bus; may be given several times
+                     (default: 1=virtual)
+  --for SECONDS      Listen for this long (default: until Ctrl+C)
+  --device NODE      Put a simulated CANopen device on a bus, an I/O device with
+                     this node-ID; may be given several times
+  --channel NUMBER   Channel whose bus that is (default: the lowest)
+  --variant NAME     Kind of host to be, halvard or tesmond (default: halvard)
+  --module PATH      Module to load (default: Ostrel.hpi beside this program)
+
+What is shown:
+  --json             One JSON document at the end, nothing else
+  --log OUT.log      Write the frames of all channels to a candump log; channel 1
+                     is called can1 there
+
+Buses:
+)";
+
+constexpr char kScanFooter[] = R"(
+Exit status: 0 listened as asked, 1 trouble with a bus or file, 2 bad input,
+130 stopped by Ctrl+C before the time of --for was over. Without --for Ctrl+C is
+the end that is wanted, and the status is 0.
+
+Examples:
+  ostrel-bench scan --device 5 --device 9
+      Two simulated devices that boot, until Ctrl+C.
+  ostrel-bench scan --device 5 --for 2 --json > nodes.json
+      For a script.
+)";
+
+class ScanCommand final : public Command {
+ public:
+  void AddOptions(CLI::App& app) override;
+  std::string Help() const override { return kScanHelp + NBuses::DescribeBusKinds() + kScanFooter; }
+  ExitStatus Run() const override { return Scan(Check()); }
+
+ private:
+  ScanOptions Check() const;
+
+  // The options as text, before anything is checked.
+  HostTexts mHost;
+  std::optional<std::string> mDuration, mLog;
+  bool mJson = false;
+};
+
+void ScanCommand::AddOptions(CLI::App& app) {
+  mHost.AddOptions(app);
+  app.add_option("--for", mDuration);
+  app.add_option("--log", mLog);
+  app.add_flag("--json", mJson);
+}
+
+ScanOptions ScanCommand::Check() const {
+  ScanOptions options;
+  options.host = CheckHost(mHost);
+  options.json = mJson;
+  if (mDuration) options.duration = ParseSeconds(*mDuration);
+  if (mLog) options.log = NRuntime::ToPath(*mLog);
+  return options;
+}
+
+}  // namespace
+
+std::unique_ptr<Command> MakeScanCommand() { return std::make_unique<ScanCommand>(); }
+
+}  // namespace NBench

@@ -1,0 +1,103 @@
+#include "host/bench/scanner_block.h"
+
+#include <stdexcept>
+
+#include "host/runtime/persistence.h"
+#include "host/runtime/text.h"
+#include "sdk/class_ids.h"
+
+namespace NBench {
+namespace {
+
+constexpr std::uint32_t kDecimal = 10;
+constexpr char kNotHeard[] = "--";
+
+[[noreturn]] void RefuseBlock(const std::string& what) {
+  throw std::runtime_error(std::string("block \"") + NSdk::kProgIdCANopenScanner + "\" " + what);
+}
+
+std::string Utf8(const NRuntime::ReceivedText& text) { return NRuntime::ToUtf8(text.Text()); }
+
+std::optional<std::uint32_t> ObjectValue(NSdk::ICANopenNode& node, std::uint16_t index,
+                                         std::uint8_t subindex) {
+  std::uint32_t value = 0;
+  if (node.GetObjectValue(index, subindex, &value) != S_OK) return std::nullopt;
+  return value;
+}
+
+std::optional<std::string> DeviceName(NSdk::ICANopenNode& node) {
+  NRuntime::ReceivedText text;
+  if (FAILED(node.GetObjectText(0x1008, 0, text.Out()))) return std::nullopt;
+  std::string name = Utf8(text);
+  if (name == kNotHeard) return std::nullopt;
+  return name;
+}
+
+ScannedNode Read(NSdk::IScanner& scanner, NSdk::ICANopenNode& node) {
+  ScannedNode row;
+  std::uint32_t alive = 0;
+  node.GetNodeId(&row.id);
+  node.GetChannel(&row.channel);
+  node.GetState(&row.state);
+  node.IsAlive(&alive);
+  node.GetErrorRegister(&row.errorRegister);
+  scanner.GetRowImage(&node, &row.image);
+  row.alive = alive != 0;
+  row.name = DeviceName(node);
+  row.profile = ObjectValue(node, 0x1000, 0);
+  row.vendorId = ObjectValue(node, 0x1018, 1);
+  row.serial = ObjectValue(node, 0x1018, 4);
+  for (std::uint32_t column = 0; column < NSdk::kScannerColumns; ++column) {
+    NRuntime::ReceivedText text;
+    if (SUCCEEDED(scanner.GetCellText(&node, column, kDecimal, text.Out()))) row.cells[column] = Utf8(text);
+  }
+  return row;
+}
+
+}  // namespace
+
+ScannerBlock::ScannerBlock(const NRuntime::Module& module, NRuntime::Application& application)
+    : mObject(module.Create(NSdk::kProgIdCANopenScanner)),
+      mBlock(NRuntime::Query<NSdk::IPlugInBlock>(mObject)),
+      mScanner(NRuntime::Query<NSdk::IScanner>(mObject)) {
+  if (!mBlock || !mScanner) RefuseBlock("is not a scanner");
+  const auto site = NRuntime::Make<NRuntime::BlockSite>(application);
+  if (FAILED(mBlock->Attach(site.Get()))) RefuseBlock("refuses its place in the host");
+  if (FAILED(mScanner->GetModel(mModel.Out())) || !mModel) RefuseBlock("has no table of nodes");
+}
+
+ScannerBlock::~ScannerBlock() {
+  if (mBlock) mBlock->Detach();
+}
+
+std::uint32_t ScannerBlock::ChangeCount() const {
+  std::uint32_t count = 0;
+  mModel->GetChangeCount(&count);
+  return count;
+}
+
+std::vector<ScannedNode> ScannerBlock::Nodes() const {
+  std::vector<ScannedNode> nodes;
+  NRuntime::ComPtr<NSdk::IArray> found;
+  std::uint32_t count = 0;
+  if (FAILED(mScanner->GetNodes(found.Out())) || !found || FAILED(found->GetCount(&count))) return nodes;
+  for (std::uint32_t position = 0; position < count; ++position) {
+    void* node = nullptr;
+    if (FAILED(found->GetElement(position, NSdk::IidOf<NSdk::ICANopenNode>(), &node)) || !node) continue;
+    nodes.push_back(
+        Read(*mScanner, *NRuntime::ComPtr<NSdk::ICANopenNode>::Own(static_cast<NSdk::ICANopenNode*>(node))));
+  }
+  return nodes;
+}
+
+NodeTable ScannerBlock::Table() const {
+  NodeTable table;
+  for (std::uint32_t column = 0; column < NSdk::kScannerColumns; ++column) {
+    NRuntime::ReceivedText text;
+    if (SUCCEEDED(mScanner->GetColumnText(column, text.Out()))) table.headings[column] = Utf8(text);
+  }
+  table.nodes = Nodes();
+  return table;
+}
+
+}  // namespace NBench
