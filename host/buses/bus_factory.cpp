@@ -5,6 +5,8 @@
 #include <optional>
 #include <stdexcept>
 
+#include "host/buses/socketcand_client.h"
+
 namespace NBuses {
 
 // A row per kind: what the help says of it, and how it is made.
@@ -21,22 +23,29 @@ const std::vector<BusFactory::Kind>& BusFactory::Kinds() {
       {"virtual",
        "virtual[:NAME]",
        "a bus inside this program; channels with the same NAME share it;\n"
-       "                     option bitrate=BPS: frames take their time on it",
+       "                         option bitrate=BPS: frames take their time on it",
        {"bitrate"},
        &BusFactory::MakeVirtual},
       {"replay",
        "replay:FILE",
-       "a log of candump; options speed=FACTOR or speed=max, iface=NAME",
+       "a log of candump; options speed=FACTOR or speed=max,\n"
+       "                         iface=NAME for the frames of one interface",
        {"speed", "iface"},
        &BusFactory::MakeReplay},
+      {"socketcand",
+       "socketcand:HOST/IFACE",
+       "an interface of another machine; HOST may be HOST:PORT",
+       {},
+       &BusFactory::MakeSocketcand},
   };
   return kinds;
 }
 
 namespace {
 
-constexpr std::size_t kMeaningColumn = 21;  // of the help text
+constexpr std::size_t kMeaningColumn = 25;  // of the help text
 constexpr std::uint32_t kLowestBitRate = 1000, kHighestBitRate = 1000000;
+constexpr std::size_t kLongestInterface = 64;
 constexpr double kLowestSpeed = 0.01, kHighestSpeed = 1000;
 
 [[noreturn]] void Refuse(std::string_view word, const std::string& reason) {
@@ -123,6 +132,19 @@ BusFactory::Adapter BusFactory::MakeReplay(std::string_view word, const BusName&
   }
   return std::make_unique<ReplayPort>(
       mReplays.Get(name.address, speed == "max" ? 1 : ParseSpeed(word, speed)), Option(name, "iface"));
+}
+
+BusFactory::Adapter BusFactory::MakeSocketcand(std::string_view word, const BusName& name) {
+  const std::size_t slash = name.address.rfind('/');
+  const auto server = ReadHostAndPort(std::string_view(name.address).substr(0, slash));
+  const std::string interface = slash == std::string::npos ? "" : name.address.substr(slash + 1);
+  const bool isClean = interface.find_first_of(" \t\r\n<>") == std::string::npos;
+  if (!server || server->port == 0 || interface.empty() || !isClean || interface.size() > kLongestInterface) {
+    Refuse(word, "an address is written HOST[:PORT]/INTERFACE, 127.0.0.1:29536/can1 for example");
+  }
+  if (!mAsioLoop) Refuse(word, "there is no network here");
+  KeepRealTime(word);
+  return std::make_unique<SocketcandClient>(*mAsioLoop, *server, interface);
 }
 
 void BusFactory::SkipWaits(std::string_view word) {

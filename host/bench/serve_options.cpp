@@ -1,0 +1,75 @@
+#include <CLI/CLI.hpp>
+
+#include "host/bench/serve.h"
+#include "host/buses/bus_factory.h"
+
+namespace NBench {
+namespace {
+
+constexpr char kServeHelp[] = R"(Lets programs of this and other machines use buses over the network.
+
+Usage: ostrel-bench serve [OPTIONS]
+
+Clients speak the raw mode of socketcand; python-can and ostrel-bench itself do.
+CAN channel 1 is called can1 there. The server goes on until Ctrl+C.
+
+  --can NUMBER=BUS   Put CAN channel NUMBER on a bus; may be given several times
+                     (default: 1=virtual). Clients may also use the name of BUS
+  --device NODE      Put a simulated CANopen device on a bus, an I/O device with
+                     this node-ID; may be given several times
+  --channel NUMBER   Channel whose bus gets the devices (default: the lowest)
+  --listen ADDR:PORT Where to listen (default: 127.0.0.1:29536, which only this
+                     machine reaches). Whoever reaches it controls the buses
+  --for SECONDS      Serve for this long
+
+Buses:
+)";
+
+constexpr char kServeFooter[] = R"(
+Exit status: 0 ended by Ctrl+C or --for, 2 bad input.
+
+Examples:
+  ostrel-bench serve --device 5
+      A simulated device for programs that know socketcand.
+  ostrel-bench serve --can 1=socketcan:can0 --listen 0.0.0.0:29536
+      An interface of this machine for all others of the network.
+)";
+
+class ServeCommand final : public Command {
+ public:
+  void AddOptions(CLI::App& app) override;
+  std::string Help() const override { return kServeHelp + NBuses::DescribeBusKinds() + kServeFooter; }
+  ExitStatus Run() const override { return Serve(Check()); }
+
+ private:
+  ServeOptions Check() const;
+
+  HostTexts mHost;
+  std::string mAddress = "127.0.0.1:29536";
+  std::optional<std::string> mDuration;
+};
+
+// The server has no module, nor what belongs to one.
+void ServeCommand::AddOptions(CLI::App& app) {
+  app.add_option("--can", mHost.channels)->allow_extra_args(false);
+  app.add_option("--device", mHost.devices)->allow_extra_args(false);
+  app.add_option("--channel", mHost.channel);
+  app.add_option("--listen", mAddress);
+  app.add_option("--for", mDuration);
+}
+
+ServeOptions ServeCommand::Check() const {
+  ServeOptions options;
+  options.host = CheckHost(mHost);
+  const auto address = NBuses::ReadHostAndPort(mAddress);
+  if (!address) Refuse("--listen", mAddress, "ADDRESS:PORT is wanted, 127.0.0.1:29536 for example");
+  options.address = *address;
+  if (mDuration) options.duration = ParseSeconds(*mDuration);
+  return options;
+}
+
+}  // namespace
+
+std::unique_ptr<Command> MakeServeCommand() { return std::make_unique<ServeCommand>(); }
+
+}  // namespace NBench
