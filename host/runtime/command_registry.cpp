@@ -1,5 +1,7 @@
 #include "host/runtime/command_registry.h"
 
+#include <algorithm>
+
 namespace NRuntime {
 
 // A group as a plug-in holds it. It keeps the registry alive and finds its group by name, for the group may
@@ -19,12 +21,15 @@ class CommandRegistry::GroupObject final : public Implements<NSdk::ICommandGroup
 
 HRESULT CommandRegistry::AddCommand(const wchar_t* name, NSdk::IAction* action) {
   if (!name || !action) return E_POINTER;
-  return mCommands.emplace(name, action).second ? S_OK : E_FAIL;
+  if (FindCommand(name)) return E_FAIL;
+  mCommands.push_back({name, action});
+  return S_OK;
 }
 
 HRESULT CommandRegistry::RemoveCommand(const wchar_t* name) {
   if (!name) return E_POINTER;
-  return mCommands.erase(name) == 1 ? S_OK : E_INVALIDARG;
+  const auto removed = std::erase_if(mCommands, [&](const Command& command) { return command.name == name; });
+  return removed == 1 ? S_OK : E_INVALIDARG;
 }
 
 HRESULT CommandRegistry::Advise(NSdk::ICommandEvents* events, std::uint32_t* cookie) {
@@ -48,14 +53,15 @@ HRESULT CommandRegistry::RemoveGroup(const wchar_t* name) {
 HRESULT CommandRegistry::AppendToGroup(const std::wstring& group, const std::wstring& command) {
   const auto found = mGroups.find(group);
   if (found == mGroups.end()) return E_FAIL;
-  if (mCommands.count(command) == 0) return E_INVALIDARG;
+  if (!FindCommand(command)) return E_INVALIDARG;
   found->second.commands.push_back(command);
   return S_OK;
 }
 
 ComPtr<NSdk::IAction> CommandRegistry::FindCommand(const std::wstring& name) const {
-  const auto found = mCommands.find(name);
-  return found == mCommands.end() ? nullptr : found->second;
+  const auto found = std::find_if(mCommands.begin(), mCommands.end(),
+                                  [&](const Command& command) { return command.name == name; });
+  return found == mCommands.end() ? nullptr : found->action;
 }
 
 HRESULT BlockTypeRegistry::AddBlockType(const NSdk::BlockType* type) {

@@ -14,6 +14,10 @@ namespace NRuntime {
 /// The commands that plug-ins add, and the groups that show them.
 class CommandRegistry final : public Implements<NSdk::ICommandRegistry, NSdk::ICommandGroups> {
  public:
+  struct Command {
+    std::wstring name;
+    ComPtr<NSdk::IAction> action;
+  };
   struct Group {
     std::wstring caption;
     std::vector<std::wstring> commands;
@@ -28,6 +32,8 @@ class CommandRegistry final : public Implements<NSdk::ICommandRegistry, NSdk::IC
                                         NSdk::ICommandGroup** group) override;
   HRESULT STDMETHODCALLTYPE RemoveGroup(const wchar_t* name) override;
 
+  /// In the order in which they were added.
+  const std::vector<Command>& Commands() const { return mCommands; }
   /// Empty: no such command.
   ComPtr<NSdk::IAction> FindCommand(const std::wstring& name) const;
   const std::map<std::wstring, Group>& Groups() const { return mGroups; }
@@ -38,7 +44,7 @@ class CommandRegistry final : public Implements<NSdk::ICommandRegistry, NSdk::IC
   class GroupObject;
   HRESULT AppendToGroup(const std::wstring& group, const std::wstring& command);
 
-  std::map<std::wstring, ComPtr<NSdk::IAction>> mCommands;
+  std::vector<Command> mCommands;
   std::map<std::wstring, Group> mGroups;
   SinkList<NSdk::ICommandEvents> mSinks;
 };

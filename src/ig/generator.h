@@ -72,6 +72,9 @@ class Generator {
     return list == NSdk::kSequenceList ? mSequence : mCyclic;
   }
   GeneratorNumbers& Numbers() { return mNumbers; }
+  const GeneratorNumbers& Numbers() const { return mNumbers; }
+  /// Empty outside a measurement.
+  const NCom::ComPtr<NSdk::ICANOutput>& Output() const { return mOutput; }
   /// Folder that relative "file:" data is resolved against.
   void SetDataFolder(std::filesystem::path folder) { mDataFolder = std::move(folder); }
 

@@ -9,6 +9,7 @@
 #include "com/task_text.h"
 #include "common/host_application.h"
 #include "common/text.h"
+#include "ig/live_blocks.h"
 #include "ig/sequence_file.h"
 #include "resources/resource_ids.h"
 #include "resources/text.h"
@@ -35,6 +36,13 @@ bool ReadFrame(NSdk::ICANMessage& message, NSdk::CanFrame& frame) {
 
 ZCANopenIGNode::ZCANopenIGNode() : mGenerator(*this, *this) {
   mSettings.name = NResources::LoadText(IDS_IG_BLOCK_NAME);
+  BlockCreated(*this);
+}
+
+ZCANopenIGNode::~ZCANopenIGNode() { BlockDestroyed(*this); }
+
+std::uint32_t ZCANopenIGNode::Channel() const {
+  return mGenerator.IsMeasuring() ? mGenerator.Numbers().channel : mSettings.numbers.channel;
 }
 
 template <class Body>

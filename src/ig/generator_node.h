@@ -20,6 +20,14 @@ using GeneratorInterfaces =
 class ZCANopenIGNode final : public GeneratorInterfaces, private TransmissionObserver {
  public:
   ZCANopenIGNode();
+  ~ZCANopenIGNode() override;
+
+  /// Whether the block has its place in the host and takes part in a running measurement.
+  bool CanSend() const { return mSite != nullptr && mGenerator.IsMeasuring(); }
+  /// CAN channel of the running measurement, else the one that is set.
+  std::uint32_t Channel() const;
+  /// Output on that channel; empty outside a measurement.
+  NCom::ComPtr<NSdk::ICANOutput> Output() const { return mGenerator.Output(); }
 
   // IPlugInBlock
   HRESULT STDMETHODCALLTYPE Attach(NSdk::IBlockSite* site) override;

@@ -2,7 +2,13 @@
 
 #include "com/entry.h"
 #include "com/task_text.h"
+#include "common/help_manager.h"
 #include "common/host_application.h"
+#include "common/text.h"
+#include "plugin/language.h"
+#include "plugin/module_files.h"
+#include "plugin/nmt_dispatch.h"
+#include "plugin/version.h"
 #include "resources/resource_ids.h"
 #include "resources/text.h"
 #include "sdk/class_ids.h"
@@ -11,27 +17,77 @@ namespace NPlugin {
 namespace {
 
 constexpr wchar_t kName[] = L"HarlowPlugIn";
-constexpr std::uint32_t kGeneratorImage = 15;
 constexpr std::uint32_t kOfferedToUser = 1;
+constexpr std::uint32_t kGeneratorImage = 15;
+constexpr std::uint32_t kScannerImage = 14;
 
-bool HasSimulationSetup(NSdk::IHostApplication* application) {
+NSdk::HostVariant Variant(NSdk::IHostApplication& application) {
   std::uint32_t variant = 0;
-  return SUCCEEDED(application->GetVariant(&variant)) && variant == NSdk::kHostHalvard;
+  const bool answered = SUCCEEDED(application.GetVariant(&variant));
+  return answered && variant == NSdk::kHostHalvard ? NSdk::kHostHalvard : NSdk::kHostTesmond;
+}
+
+std::uint32_t Language(NSdk::IHostApplication& application) {
+  std::uint32_t language = 0;
+  return SUCCEEDED(application.GetLanguage(&language)) ? language : 1;
+}
+
+void RegisterBlockType(NSdk::IBlockTypeRegistry& registry, NSdk::BlockCategory category, std::uint32_t image,
+                       const char* progId, std::uint32_t nameId) {
+  const std::wstring wideProgId = NCommon::ToWide(progId);
+  const std::wstring name = NResources::LoadText(nameId);
+  const NSdk::BlockType type = {category, image, kOfferedToUser, wideProgId.c_str(), name.c_str()};
+  registry.AddBlockType(&type);
 }
 
 // Generators belong into a simulation setup; a host without one does not offer them for insertion.
-void RegisterBlockTypes(NSdk::IHostApplication* application) {
+void RegisterBlockTypes(NSdk::IHostApplication& application) {
   const auto registry = NCommon::HostService<NSdk::IBlockTypeRegistry>();
-  if (!registry || !HasSimulationSetup(application)) return;
-  const std::string progId = NSdk::kProgIdCANopenIG;
-  const std::wstring wideProgId(progId.begin(), progId.end());
-  const std::wstring displayName = NResources::LoadText(IDS_IG_BLOCK_NAME);
-  const NSdk::BlockType type = {NSdk::kBlockCategorySimulation, kGeneratorImage, kOfferedToUser,
-                                wideProgId.c_str(), displayName.c_str()};
-  registry->AddBlockType(&type);
+  if (!registry) return;
+  if (Variant(application) == NSdk::kHostHalvard) {
+    RegisterBlockType(*registry, NSdk::kBlockCategorySimulation, kGeneratorImage, NSdk::kProgIdCANopenIG,
+                      IDS_IG_BLOCK_NAME);
+  }
+  RegisterBlockType(*registry, NSdk::kBlockCategoryMeasurement, kScannerImage, NSdk::kProgIdCANopenScanner,
+                    IDS_SCAN_BLOCK_NAME);
+}
+
+bool HasCanChannels() {
+  std::uint32_t count = 0;
+  const auto configuration = NCommon::HostService<NSdk::IConfigurationService>();
+  return configuration && SUCCEEDED(configuration->GetItemCount(NSdk::kConfigurationCanChannel, &count)) &&
+         count >= 1;
+}
+
+// The command that inserts a block where this item of the setup is; null: none.
+const wchar_t* InsertCommandFor(IUnknown* item) {
+  const auto sendItem = NCom::QueryFor<NSdk::ISendLineItem>(item);
+  if (!sendItem) {
+    return NCom::QueryFor<NSdk::ISimulationItem>(item) ? nullptr : L"Insert.CANopenScanner";
+  }
+  std::uint32_t type = 0;
+  const auto application = NCommon::HostApplication();
+  const bool fits = application && Variant(*application) == NSdk::kHostTesmond &&
+                    SUCCEEDED(sendItem->GetItemType(&type)) &&
+                    (type == NSdk::kSetupItemHotSpot || type == NSdk::kSetupItemBlock);
+  return fits ? L"Insert.CANopenIG" : nullptr;
 }
 
 }  // namespace
+
+// ---- for the commands
+
+void ZPlugIn::SendNmt(NmtKind kind, std::uint8_t network, std::uint8_t target) {
+  DispatchNmt(kind, network, target);
+}
+
+bool ZPlugIn::IsMeasuring() const {
+  std::uint32_t measuring = 0;
+  const auto application = NCommon::HostApplication();
+  return application && SUCCEEDED(application->IsMeasuring(&measuring)) && measuring != 0;
+}
+
+// ---- life
 
 HRESULT ZPlugIn::GetName(wchar_t** name) {
   return NCom::Entry([&] { return NCom::HandOut(kName, name); });
@@ -39,13 +95,112 @@ HRESULT ZPlugIn::GetName(wchar_t** name) {
 
 HRESULT ZPlugIn::Initialise(NSdk::IHostApplication* application) {
   return NCom::Entry([&] {
+    Unbind();
     NCommon::SetHostApplication(application);
-    if (application) RegisterBlockTypes(application);
+    if (!application) return;
+    const std::uint32_t language = Language(*application);
+    UseLanguage(language);
+    NCommon::SetHelpFile(FindHelpFile(ModuleFile(), language));
+    AddCommands();
+    FollowHost();
+    RegisterBlockTypes(*application);
   });
 }
 
+void ZPlugIn::AddCommands() {
+  mRegistry = NCommon::HostService<NSdk::ICommandRegistry>();
+  if (!mRegistry) return;
+  mRegistry->Advise(this, &mRegistryCookie);
+  mCommands.emplace(*this);
+  mCommands->Register(*mRegistry);
+}
+
+void ZPlugIn::FollowHost() {
+  const auto application = NCommon::HostApplication();
+  application->FindEventSource(NSdk::IidOf<NSdk::IApplicationEvents>(), mHostEvents.Receive());
+  if (mHostEvents) mHostEvents->Advise(Identity(), &mHostEventsCookie);
+}
+
 HRESULT ZPlugIn::ShutDown() {
-  return NCom::Entry([] { NCommon::SetHostApplication(nullptr); });
+  return NCom::Entry([&] { Unbind(); });
+}
+
+// What was not set up is passed over.
+void ZPlugIn::Unbind() {
+  if (mCommands) mCommands->Withdraw(*mRegistry);
+  mCommands.reset();
+  if (mHostEvents) mHostEvents->Unadvise(mHostEventsCookie);
+  mHostEvents.Reset();
+  if (mRegistry) mRegistry->Unadvise(mRegistryCookie);
+  mRegistry.Reset();
+  ReleaseLanguage();
+  NCommon::SetHelpFile({});
+  NCommon::SetHostApplication(nullptr);
+}
+
+// ---- version
+
+HRESULT ZPlugIn::GetVersion(std::uint32_t* majorNumber, std::uint32_t* minorNumber, std::uint32_t* build) {
+  return NCom::Entry([&]() -> HRESULT {
+    if (!majorNumber || !minorNumber || !build) return E_POINTER;
+    const Version version = ReadVersion();
+    *majorNumber = version.majorNumber;
+    *minorNumber = version.minorNumber;
+    *build = version.build;
+    return S_OK;
+  });
+}
+
+HRESULT ZPlugIn::GetProductName(wchar_t** name) {
+  return NCom::Entry([&] { return NCom::HandOut(ReadVersion().productName, name); });
+}
+
+HRESULT ZPlugIn::GetDescription(wchar_t** description) {
+  return NCom::Entry([&] { return NCom::HandOut(ReadVersion().description, description); });
+}
+
+HRESULT ZPlugIn::GetReleaseNotes(wchar_t**) {
+  NCom::ModuleScope scope;
+  return E_NOTIMPL;
+}
+
+// ---- what the host shows
+
+// The page for the bit rate is a window.
+HRESULT ZPlugIn::AddPages(IUnknown* container) {
+  NCom::ModuleScope scope;
+  return container ? S_FALSE : E_POINTER;
+}
+
+HRESULT ZPlugIn::AddContextCommands(REFIID, NSdk::ICommandList* list, NSdk::ISelectionContext* selection) {
+  return NCom::Entry([&]() -> HRESULT {
+    if (!list || !selection) return E_POINTER;
+    std::uint32_t count = 0;
+    NCom::ComPtr<IUnknown> item;
+    if (!HasCanChannels() || FAILED(selection->GetSelectedCount(&count)) || count != 1 ||
+        selection->GetSelected(0, item.Receive()) != S_OK || !item) {
+      return S_OK;
+    }
+    const wchar_t* command = InsertCommandFor(item.Get());
+    return command ? list->AppendCommand(command) : S_OK;
+  });
+}
+
+HRESULT ZPlugIn::OnConfigurationOpened() {
+  NCom::ModuleScope scope;
+  return S_OK;
+}
+
+HRESULT ZPlugIn::OnConfigurationChanged() {
+  return NCom::Entry([&] {
+    if (mCommands) mCommands->ShowNetworkManagement(HasCanChannels());
+  });
+}
+
+HRESULT ZPlugIn::OnCommandsShown() {
+  return NCom::Entry([&] {
+    if (mCommands) mCommands->ShowNetworks(NetworkEntries().size());
+  });
 }
 
 }  // namespace NPlugin

@@ -1,18 +1,56 @@
 #pragma once
 
+#include <optional>
+
+#include "com/com_ptr.h"
 #include "com/implements.h"
+#include "plugin/commands.h"
 #include "sdk/plugin.h"
 
 namespace NPlugin {
 
 /// The one object that a host creates from this module and talks to for its whole life. The module keeps it,
 /// so that it does not keep the module.
-class ZPlugIn final : public NCom::ImplementsCached<NSdk::IPlugIn> {
+class ZPlugIn final : public NCom::ImplementsCached<NSdk::IPlugIn, NSdk::IVersion, NSdk::IPlugInExtensions,
+                                                    NSdk::IApplicationEvents, NSdk::ICommandEvents> {
  public:
+  // For the commands
+  void SendNmt(NmtKind kind, std::uint8_t network, std::uint8_t target);
+  bool IsMeasuring() const;
+
+  // IPlugIn
   HRESULT STDMETHODCALLTYPE GetName(wchar_t** name) override;
-  /// Binds the module to the host and registers its block types. S_OK even where single steps fail.
+  /// Binds the module to the host. S_OK even where single steps fail. A second call begins anew.
   HRESULT STDMETHODCALLTYPE Initialise(NSdk::IHostApplication* application) override;
   HRESULT STDMETHODCALLTYPE ShutDown() override;
+
+  // IVersion
+  HRESULT STDMETHODCALLTYPE GetVersion(std::uint32_t* majorNumber, std::uint32_t* minorNumber,
+                                       std::uint32_t* build) override;
+  HRESULT STDMETHODCALLTYPE GetProductName(wchar_t** name) override;
+  HRESULT STDMETHODCALLTYPE GetDescription(wchar_t** description) override;
+  HRESULT STDMETHODCALLTYPE GetReleaseNotes(wchar_t** text) override;
+
+  // IPlugInExtensions
+  HRESULT STDMETHODCALLTYPE AddPages(IUnknown* container) override;
+  HRESULT STDMETHODCALLTYPE AddContextCommands(REFIID iid, NSdk::ICommandList* list,
+                                               NSdk::ISelectionContext* selection) override;
+
+  // IApplicationEvents, ICommandEvents
+  HRESULT STDMETHODCALLTYPE OnConfigurationOpened() override;
+  HRESULT STDMETHODCALLTYPE OnConfigurationChanged() override;
+  HRESULT STDMETHODCALLTYPE OnCommandsShown() override;
+
+ private:
+  void AddCommands();
+  void FollowHost();
+  void Unbind();
+
+  std::optional<CommandSet> mCommands;
+  NCom::ComPtr<NSdk::ICommandRegistry> mRegistry;
+  NCom::ComPtr<NSdk::IEventSource> mHostEvents;
+  std::uint32_t mHostEventsCookie = 0;
+  std::uint32_t mRegistryCookie = 0;
 };
 
 }  // namespace NPlugin

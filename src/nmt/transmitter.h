@@ -1,0 +1,29 @@
+#pragma once
+
+#include <cstdint>
+
+#include "com/com_ptr.h"
+#include "ig/generator_node.h"
+
+namespace NNmt {
+
+/// An NMT command (CiA 301, 7.2.8.3.1).
+struct NmtRequest {
+  std::uint8_t command = 0;  ///< command specifier: 1, 2, 128, 129 or 130
+  std::uint8_t nodeId = 0;   ///< 0: all nodes
+};
+
+/// Puts NMT commands on the CAN channel of a generator block.
+class ZNMTTransmitter {
+ public:
+  /// Null: none.
+  void Bind(NIg::ZCANopenIGNode* block) { mBlock = block; }
+  /// False: there is no block, or no request. True does not say that the command was sent: a block outside a
+  /// measurement sends nothing.
+  bool SendCommand(const NmtRequest* request);
+
+ private:
+  NCom::ComPtr<NIg::ZCANopenIGNode> mBlock;
+};
+
+}  // namespace NNmt

@@ -1,0 +1,105 @@
+#pragma once
+// The plug-in's commands, class by class. Numbers of images are those of the resource script.
+
+#include "plugin/action.h"
+#include "resources/resource_ids.h"
+
+namespace NPlugin {
+
+class ZPlugIn;
+
+/// What an NMT command of the menus does.
+enum class NmtKind : std::uint8_t { Operational = 1, Preoperational = 2, Stop = 3, Reset = 4 };
+
+// Targets of an NMT command beside the node-IDs 1 to 127.
+inline constexpr std::uint8_t kTargetAllNodes = 0;
+inline constexpr std::uint8_t kTargetChosenNodes = 255;
+
+inline constexpr std::uint8_t kNoNetwork = 0;
+
+class ZActionInsertScanner final : public ZAction<ZPlugIn, IDS_SCAN_INSERT, IDS_SCAN_INSERT_TIP, 0, 0, 0, 0> {
+ public:
+  explicit ZActionInsertScanner(ZPlugIn& owner) : ZAction(owner, L"Insert.CANopenScanner") {}
+  HRESULT STDMETHODCALLTYPE Execute(IUnknown* context) override;
+  HRESULT STDMETHODCALLTYPE GetState(std::uint32_t* state) override;
+};
+
+class ZActionInsertSeqGenerator final
+    : public ZAction<ZPlugIn, IDS_IG_INSERT, IDS_IG_INSERT_TIP, 0, 0, 0, 0> {
+ public:
+  explicit ZActionInsertSeqGenerator(ZPlugIn& owner) : ZAction(owner, L"Insert.CANopenIG") {}
+  HRESULT STDMETHODCALLTYPE Execute(IUnknown* context) override;
+  HRESULT STDMETHODCALLTYPE GetState(std::uint32_t* state) override;
+};
+
+class ZActionExecBrk final
+    : public ZAction<ZPlugIn, IDS_TOOL_BRACKWELL, IDS_TOOL_BRACKWELL, 228, 258, 259, 0> {
+ public:
+  explicit ZActionExecBrk(ZPlugIn& owner) : ZAction(owner, L"Tool.Brackwell") {}
+  HRESULT STDMETHODCALLTYPE Execute(IUnknown* context) override;
+  HRESULT STDMETHODCALLTYPE GetState(std::uint32_t* state) override;
+};
+
+class ZActionExecQuillon final
+    : public ZAction<ZPlugIn, IDS_TOOL_QUILLON, IDS_TOOL_QUILLON, 773, 256, 257, 0> {
+ public:
+  explicit ZActionExecQuillon(ZPlugIn& owner) : ZAction(owner, L"Tool.Quillon") {}
+  HRESULT STDMETHODCALLTYPE Execute(IUnknown* context) override;
+  HRESULT STDMETHODCALLTYPE GetState(std::uint32_t* state) override;
+};
+
+/// Carries the drop-down that holds the commands of the networks; does nothing itself.
+class ZActionCANopenNmtManagement final
+    : public ZAction<ZPlugIn, IDS_NMT_MANAGEMENT, IDS_NMT_MANAGEMENT, 0, 0, 0, 1> {
+ public:
+  explicit ZActionCANopenNmtManagement(ZPlugIn& owner) : ZAction(owner, L"CANopen.NetworkManagement") {}
+  HRESULT STDMETHODCALLTYPE Execute(IUnknown*) override { return S_OK; }
+};
+
+/// Sends NMT commands of its kind to a target in a network. For the commands of single nodes network and
+/// target are none until a node is assigned.
+template <std::uint32_t Caption, std::uint32_t ToolTip, std::uint32_t Bitmap, std::uint32_t SmallIcon,
+          std::uint32_t LargeIcon, NmtKind Kind>
+class ZActionCANopenSendMsg final : public ZAction<ZPlugIn, Caption, ToolTip, Bitmap, SmallIcon, LargeIcon,
+                                                   static_cast<std::uint32_t>(Kind)> {
+ public:
+  ZActionCANopenSendMsg(ZPlugIn& owner, std::wstring name, std::uint32_t state, std::uint8_t network,
+                        std::uint8_t target)
+      : ZActionCANopenSendMsg::ZAction(owner, std::move(name), state), mNetwork(network), mTarget(target) {}
+
+  HRESULT STDMETHODCALLTYPE Execute(IUnknown*) override {
+    return NCom::Entry([&] { this->mOwner.SendNmt(Kind, mNetwork, mTarget); });
+  }
+
+ private:
+  std::uint8_t mNetwork;  // from 1
+  std::uint8_t mTarget;
+};
+
+// The four kinds have the same images wherever they appear; the numbers of the icons of Stop and Reset stand
+// the other way round. The tool tips are three texts with the same words.
+template <std::uint32_t Caption, std::uint32_t ToolTip>
+using OperationalAction = ZActionCANopenSendMsg<Caption, ToolTip, 794, 248, 249, NmtKind::Operational>;
+template <std::uint32_t Caption, std::uint32_t ToolTip>
+using PreoperationalAction = ZActionCANopenSendMsg<Caption, ToolTip, 795, 250, 251, NmtKind::Preoperational>;
+template <std::uint32_t Caption, std::uint32_t ToolTip>
+using StopAction = ZActionCANopenSendMsg<Caption, ToolTip, 796, 254, 255, NmtKind::Stop>;
+template <std::uint32_t Caption, std::uint32_t ToolTip>
+using ResetAction = ZActionCANopenSendMsg<Caption, ToolTip, 797, 252, 253, NmtKind::Reset>;
+
+using ZActionCANopenSendMsgOperational = OperationalAction<IDS_NMT_OPERATIONAL, IDS_NMT_NEEDS_IG>;
+using ZActionCANopenSendMsgPreoperational = PreoperationalAction<IDS_NMT_PREOPERATIONAL, IDS_NMT_NEEDS_IG>;
+using ZActionCANopenSendMsgStop = StopAction<IDS_NMT_STOP, IDS_NMT_NEEDS_IG>;
+using ZActionCANopenSendMsgReset = ResetAction<IDS_NMT_RESET, IDS_NMT_NEEDS_IG>;
+
+using ZActionCANopenSendMsgOperationalAll = OperationalAction<IDS_NMT_ALL_NODES, IDS_NMT_ALL_NODES_TIP>;
+using ZActionCANopenSendMsgPreoperationalAll = PreoperationalAction<IDS_NMT_ALL_NODES, IDS_NMT_ALL_NODES_TIP>;
+using ZActionCANopenSendMsgStopAll = StopAction<IDS_NMT_ALL_NODES, IDS_NMT_NEEDS_IG>;
+using ZActionCANopenSendMsgResetAll = ResetAction<IDS_NMT_ALL_NODES, IDS_NMT_NEEDS_IG>;
+
+using ZActionCANopenSendMsgOperationalNodes = OperationalAction<IDS_NMT_NODES, IDS_NMT_NODES_TIP>;
+using ZActionCANopenSendMsgPreoperationalNodes = PreoperationalAction<IDS_NMT_NODES, IDS_NMT_NODES_TIP>;
+using ZActionCANopenSendMsgStopNodes = StopAction<IDS_NMT_NODES, IDS_NMT_NEEDS_IG>;
+using ZActionCANopenSendMsgResetNodes = ResetAction<IDS_NMT_NODES, IDS_NMT_NEEDS_IG>;
+
+}  // namespace NPlugin

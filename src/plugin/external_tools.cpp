@@ -1,0 +1,68 @@
+#include "plugin/external_tools.h"
+
+#include <fmt/printf.h>
+#include <fmt/xchar.h>
+
+#include "com/task_text.h"
+#include "common/host_application.h"
+#include "common/text.h"
+#include "common/user_messages.h"
+#include "plugin/module_files.h"
+#include "resources/resource_ids.h"
+#include "resources/text.h"
+
+namespace NPlugin {
+namespace {
+
+std::function<bool(const ProgramStart&)>& Starter() {
+  static std::function<bool(const ProgramStart&)> starter = StartProgram;
+  return starter;
+}
+
+std::uint32_t Language() {
+  std::uint32_t language = 0;
+  const auto application = NCommon::HostApplication();
+  return application && SUCCEEDED(application->GetLanguage(&language)) ? language : 1;
+}
+
+// Beside the folder of the host's program; ends with a separator.
+std::filesystem::path ToolFolder() { return HostProgram().parent_path().parent_path() / "CANopen" / ""; }
+
+// Folder of the open configuration when the configurator has left its file there, else empty.
+std::filesystem::path ConfiguratorFolder() {
+  NCom::TaskText path;
+  const auto automation = NCommon::HostService<NSdk::IHostAutomation>();
+  if (!automation || automation->GetConfigurationPath(path.Receive()) != S_OK) return {};
+  const std::filesystem::path folder = std::filesystem::path(path.Text()).parent_path();
+  std::error_code ignored;
+  return std::filesystem::is_regular_file(folder / "brk.ini", ignored) ? folder : std::filesystem::path();
+}
+
+void TellThatItFailed(std::uint32_t textId, const std::filesystem::path& path) {
+  NCommon::ShowUserMessage(fmt::sprintf(NResources::LoadText(textId), path.wstring()), NSdk::kMessageError);
+}
+
+}  // namespace
+
+void SetProgramStarter(std::function<bool(const ProgramStart&)> starter) {
+  Starter() = starter ? std::move(starter) : StartProgram;
+}
+
+void StartQuillon() {
+  const std::filesystem::path program = ToolFolder() / "Quillon.exe";
+  if (!Starter()({program, fmt::sprintf("-s -l %d", Language()), {}})) {
+    TellThatItFailed(IDS_TOOL_QUILLON_FAILED, program);
+  }
+}
+
+void StartBrackwell() {
+  const std::filesystem::path folder = ToolFolder();
+  const std::string parameters =
+      fmt::sprintf("-f \"%s\" -l %02d -quick 1", NCommon::PathToItemText(ConfiguratorFolder()), Language());
+  for (const char* program : {"brk.exe", "brkviewer.exe"}) {
+    if (Starter()({folder / program, parameters, folder})) return;
+  }
+  TellThatItFailed(IDS_TOOL_BRACKWELL_FAILED, folder);
+}
+
+}  // namespace NPlugin

@@ -1,0 +1,47 @@
+#include "plugin/language.h"
+
+#include <fmt/printf.h>
+#include <fmt/xchar.h>
+
+#include "common/user_messages.h"
+#include "plugin/module_files.h"
+#include "resources/resource_ids.h"
+#include "resources/text.h"
+
+namespace NPlugin {
+namespace {
+
+constexpr std::uint32_t kOwnLanguage = 1;
+
+std::filesystem::path HelpFileOf(const std::filesystem::path& folder, std::uint32_t language) {
+  return folder / fmt::sprintf("Help%02d", language) / "HalvardTesmond.chm";
+}
+
+}  // namespace
+
+void UseLanguage(std::uint32_t language) {
+  ReleaseLanguage();
+  if (language == kOwnLanguage) return;
+  const std::wstring name = fmt::sprintf(L"Ostrel_%02d.%s", language, kLibraryExtension);
+  if (void* library = LoadLanguageLibrary(ModuleFile().parent_path() / name)) {
+    NResources::SetLanguageLibrary(library);
+  } else {
+    NCommon::ShowUserMessage(fmt::sprintf(NResources::LoadText(IDS_LANGUAGE_MISSING), name),
+                             NSdk::kMessageExclamation);
+  }
+}
+
+void ReleaseLanguage() {
+  void* library = NResources::LanguageLibrary();
+  NResources::SetLanguageLibrary(nullptr);
+  if (library) FreeLanguageLibrary(library);
+}
+
+std::filesystem::path FindHelpFile(const std::filesystem::path& module, std::uint32_t language) {
+  const std::filesystem::path folder = module.parent_path().parent_path();
+  const std::filesystem::path localised = HelpFileOf(folder, language);
+  std::error_code ignored;
+  return std::filesystem::is_regular_file(localised, ignored) ? localised : HelpFileOf(folder, kOwnLanguage);
+}
+
+}  // namespace NPlugin

@@ -1,0 +1,115 @@
+#include "plugin/nmt_dispatch.h"
+
+#include <fmt/printf.h>
+#include <fmt/xchar.h>
+
+#include <algorithm>
+
+#include "com/task_text.h"
+#include "common/host_application.h"
+#include "common/user_messages.h"
+#include "ig/live_blocks.h"
+#include "nmt/node_selection.h"
+#include "resources/resource_ids.h"
+#include "resources/text.h"
+
+namespace NPlugin {
+namespace {
+
+// What the host calls its networks.
+struct HostNetwork {
+  std::wstring name;
+  std::uint32_t channel = 0;
+};
+
+std::vector<HostNetwork> SimulationNetworks(NSdk::ISimulationSetup& setup) {
+  std::vector<HostNetwork> networks;
+  std::uint32_t count = 0;
+  if (FAILED(setup.GetNetworkCount(&count))) return networks;
+  for (std::uint32_t position = 0; position < count; ++position) {
+    NCom::TaskText name;
+    std::uint32_t channel = 0;
+    if (setup.GetNetwork(position, name.Receive(), &channel) == S_OK)
+      networks.push_back({name.Text(), channel});
+  }
+  return networks;
+}
+
+std::vector<HostNetwork> CanChannels(NSdk::IConfigurationService& configuration) {
+  std::vector<HostNetwork> networks;
+  std::uint32_t channel = 0;
+  for (std::uint32_t index = 1; configuration.GetCanChannel(index, &channel) == S_OK; ++index) {
+    networks.push_back({fmt::sprintf(L"CAN%d", channel), channel});
+  }
+  return networks;
+}
+
+std::vector<HostNetwork> HostNetworks(bool simulated) {
+  if (simulated) {
+    const auto setup = NCommon::HostService<NSdk::ISimulationSetup>();
+    return setup ? SimulationNetworks(*setup) : std::vector<HostNetwork>();
+  }
+  const auto configuration = NCommon::HostService<NSdk::IConfigurationService>();
+  return configuration ? CanChannels(*configuration) : std::vector<HostNetwork>();
+}
+
+bool HasSimulationSetup() {
+  std::uint32_t variant = 0;
+  const auto application = NCommon::HostApplication();
+  return application && SUCCEEDED(application->GetVariant(&variant)) && variant == NSdk::kHostHalvard;
+}
+
+std::uint8_t CommandSpecifier(NmtKind kind) {
+  switch (kind) {
+    case NmtKind::Operational:
+      return 1;
+    case NmtKind::Preoperational:
+      return 128;
+    case NmtKind::Stop:
+      return 2;
+    case NmtKind::Reset:
+      return 129;
+  }
+  return 0;
+}
+
+// The host has this network, but nothing sends on it.
+void TellThatABlockIsMissing(std::uint8_t network) {
+  const bool simulated = HasSimulationSetup();
+  const std::vector<HostNetwork> networks = HostNetworks(simulated);
+  if (network == kNoNetwork || network > networks.size()) return;
+  const HostNetwork& wanted = networks[network - 1u];
+  if (NIg::FindSender(wanted.channel)) return;
+  const std::uint32_t textId = simulated ? IDS_NMT_NO_BLOCK_IN_NETWORK : IDS_NMT_NO_BLOCK_ON_CHANNEL;
+  NCommon::ShowUserMessage(fmt::sprintf(NResources::LoadText(textId), wanted.name),
+                           NSdk::kMessageExclamation);
+}
+
+}  // namespace
+
+std::vector<ZCONetworkEntry> NetworkEntries() {
+  std::vector<ZCONetworkEntry> entries;
+  for (const HostNetwork& network : HostNetworks(HasSimulationSetup())) {
+    if (auto block = NIg::FindSender(network.channel)) {
+      entries.push_back({network.name, std::move(block), network.channel});
+    }
+  }
+  return entries;
+}
+
+void DispatchNmt(NmtKind kind, std::uint8_t network, std::uint8_t target) {
+  constexpr std::uint8_t kLastNode = 127;
+  const std::vector<ZCONetworkEntry> entries = NetworkEntries();
+  if (network == kNoNetwork || network > entries.size()) return TellThatABlockIsMissing(network);
+  NNmt::ZNMTTransmitter transmitter;
+  transmitter.Bind(entries[network - 1u].block.Get());
+  const std::uint8_t command = CommandSpecifier(kind);
+  if (target > kLastNode) {
+    NNmt::AskHostForNodes(transmitter, command, {});
+  } else {
+    const NNmt::NmtRequest request{command, target};
+    transmitter.SendCommand(&request);
+  }
+}
+
+}  // namespace NPlugin
