@@ -8,6 +8,7 @@
 #include <stdexcept>
 
 #include "host/bench/play_options.h"
+#include "host/bench/scan_options.h"
 #include "host/bench/serve.h"
 #include "host/runtime/text.h"
 
@@ -26,6 +27,7 @@ struct CommandRow {
 
 constexpr CommandRow kCommands[] = {
     {"play", "FILE.seq", "Play a sequence file on a CAN bus", MakePlayCommand},
+    {"scan", "", "List the CANopen nodes on a CAN bus", MakeScanCommand},
     {"serve", "", "Let other programs use buses over the network", MakeServeCommand},
 };
 
