@@ -6,14 +6,15 @@ cache=$root/.cache  # made once and kept; build/ may be wiped at any time
 
 # What each group of packages is for:
 #   build     compile and run natively
-#   test      the native tests: GoogleTest, a reader of the logs that are written, benchmarks, the format check
+#   test      the native tests: GoogleTest, a reader of the logs that are written, a client of the network, benchmarks,
+#             the format check
 #   windows   cross compiler, Wine (fonts apart: windows measure their text)
 #   source    unpack a Debian source package
 #   tidy      the static analysis that tools/check-style --tidy makes
 packages_of() {
   case $1 in
     build) echo g++ cmake ninja-build libxerces-c-dev libasio-dev libcli11-dev nlohmann-json3-dev libfmt-dev ;;
-    test) echo googletest can-utils libbenchmark-dev clang-format-14 ;;
+    test) echo googletest can-utils python3-can libbenchmark-dev clang-format-14 ;;
     windows) echo g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 wine64 fonts-wine googletest ;;
     source) echo dpkg-dev ;;
     tidy) echo clang-tidy-14 ;;
