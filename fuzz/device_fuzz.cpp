@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstdlib>
 
+#include "fuzz/input.h"
 #include "host/devices/device.h"
 #include "host/devices/profile.h"
 
@@ -19,25 +20,7 @@ void Require(bool condition) {
   if (!condition) std::abort();
 }
 
-class Input {
- public:
-  Input(const std::uint8_t* data, std::size_t size) : mLeft(data, size) {}
-  bool IsEmpty() const { return mLeft.empty(); }
-  std::uint8_t Byte() {
-    if (mLeft.empty()) return 0;
-    const std::uint8_t byte = mLeft.front();
-    mLeft = mLeft.subspan(1);
-    return byte;
-  }
-  std::uint32_t Number(int bytes) {
-    std::uint32_t number = 0;
-    for (int i = 0; i < bytes; ++i) number |= std::uint32_t{Byte()} << (8 * i);
-    return number;
-  }
-
- private:
-  BytesView mLeft;
-};
+using NFuzz::Input;
 
 class Owner final : private FrameSink {
  public:

@@ -9,6 +9,7 @@
 #include <memory>
 #include <vector>
 
+#include "fuzz/input.h"
 #include "sdo/engine/client.h"
 #include "sdo/engine/frames.h"
 
@@ -19,28 +20,7 @@ using namespace NSdo;
 constexpr std::uint32_t kResponse = 0x585;
 constexpr std::uint32_t kRequest = 0x605;
 
-class Input {
- public:
-  Input(const std::uint8_t* data, std::size_t size) : mData(data), mLeft(size) {}
-  bool IsEmpty() const { return mLeft == 0; }
-  std::uint8_t Byte() {
-    if (mLeft == 0) return 0;
-    --mLeft;
-    return *mData++;
-  }
-  std::uint16_t Word() {
-    const unsigned low = Byte();
-    return static_cast<std::uint16_t>(low | (unsigned{Byte()} << 8));
-  }
-  std::uint32_t Number() {
-    const std::uint32_t low = Word();
-    return low | (std::uint32_t{Word()} << 16);
-  }
-
- private:
-  const std::uint8_t* mData;
-  std::size_t mLeft;
-};
+using NFuzz::Input;
 
 void Require(bool condition) {
   if (!condition) std::abort();
