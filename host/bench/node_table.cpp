@@ -9,6 +9,7 @@ namespace NBench {
 namespace {
 
 constexpr std::size_t kShortHeading = 4;
+constexpr std::size_t kUsualName = 20;
 constexpr std::size_t kNameWorthReading = 16;
 constexpr std::size_t kShortestName = 8;
 
@@ -144,8 +145,9 @@ void Fit(Layout& layout, std::size_t room) {
   if (layout.Width() > room) NumbersForErrors(layout);
   if (layout.Width() > room) layout.gap = 1;
   if (layout.Width() > room) ShortenHeadings(layout);
-  CutNames(layout, room, kNameWorthReading);
+  CutNames(layout, room, kUsualName);
   LeaveOut(layout, room, true);
+  CutNames(layout, room, kNameWorthReading);
   LeaveOut(layout, room, false);
   CutNames(layout, room, kShortestName);
 }

@@ -10,7 +10,7 @@
 namespace NBench {
 
 /// The table as lines for a screen, headings first, none longer than `width` columns. Where that is too
-/// little for everything, words give way to numbers, then names are cut, then columns are left out, first
+/// little for everything, words give way to numbers, long names are cut, then columns are left out, first
 /// those in which no node has anything to say.
 std::vector<std::string> TableLines(const NodeTable& table, std::size_t width);
 

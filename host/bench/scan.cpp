@@ -28,6 +28,7 @@ class Listener final : private NRuntime::MeasurementObserver {
  private:
   void OnFrame(const NRuntime::SeenFrame& seen) override;
   void OnTrouble(std::uint32_t channel, const std::string& text) override;
+  void OnEnd() override;
 
   void Start();
   void WaitForEnd();
@@ -119,6 +120,10 @@ void Listener::OnFrame(const NRuntime::SeenFrame& seen) {
 
 void Listener::OnTrouble(std::uint32_t channel, const std::string& text) {
   AddError("CAN channel " + std::to_string(channel) + ": " + text);
+}
+
+void Listener::OnEnd() {
+  if (!mOptions.duration) mHost.Loop().Stop();
 }
 
 void Listener::AddError(std::string text) {

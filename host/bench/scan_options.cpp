@@ -22,7 +22,8 @@ vendor-ID and serial number are shown once somebody on the bus has read them.
 What is heard, and for how long:
   --can NUMBER=BUS   Put CAN channel NUMBER on a bus; may be given several times
                      (default: 1=virtual)
-  --for SECONDS      Listen for this long (default: until Ctrl+C)
+  --for SECONDS      Listen for this long (default: until Ctrl+C, or until the
+                     logs that are replayed have ended)
   --device NODE      Put a simulated CANopen device on a bus, an I/O device with
                      this node-ID; may be given several times
   --channel NUMBER   Channel whose bus that is (default: the lowest)
@@ -45,6 +46,8 @@ the end that is wanted, and the status is 0.
 Examples:
   ostrel-bench scan --device 5 --device 9
       Two simulated devices that boot, until Ctrl+C.
+  ostrel-bench scan --can 1=replay:out.log,speed=max
+      The nodes that a log tells of, at once.
   ostrel-bench scan --device 5 --for 2 --json > nodes.json
       For a script.
 )";

@@ -126,6 +126,33 @@ TEST_F(Scan, StatesThatFollowAtOnceAreAllTold) {
   EXPECT_EQ(Count(outcome.output, "  can1  node 7: "), frames) << outcome.output;
 }
 
+// A device with a name that would clear a screen and is no UTF-8.
+constexpr char kHostileLog[] = R"((0.000000) can1 705#00
+(0.000100) can1 605#4008100000000000
+(0.000200) can1 585#430810001B63FFC3
+(0.000300) can1 705#05
+(0.000350) can1 705#7F
+(0.000400) can1 085#3081110000000000
+)";
+
+TEST_F(Scan, OfALogEndsWithItAndShowsNothingRaw) {
+  NTest::WriteFile(log, kHostileLog);
+  const std::string scan = "scan --can \"1=replay:" + log.string() + ",speed=max\" ";
+  const auto lines = NTest::RunBench(scan, folder);
+  EXPECT_EQ(lines.status, 0) << lines.errors;
+  EXPECT_THAT(lines.output, HasSubstr("can1  node 5: name \"?c"));
+  EXPECT_THAT(lines.output, HasSubstr("000350)  can1  node 5: state Preoperational\n"));
+  EXPECT_EQ(Count(lines.output, "\n"), 6u) << lines.output;
+  const auto document = NTest::RunBench(scan + "--json", folder);
+  const json node = json::parse(document.output)["nodes"][0];
+  EXPECT_EQ(node["state"], 127);
+  EXPECT_EQ(node["errorRegister"], 0x11);
+  EXPECT_EQ(node["name"].get<std::string>().substr(0, 2),
+            "\x1B"
+            "c");
+  EXPECT_EQ(document.output.find('\x1B'), std::string::npos);
+}
+
 TEST(ScanHelp, NamesEveryOption) {
   const std::string help = NTest::RunBench("scan --help", std::filesystem::temp_directory_path()).output;
   for (const char* option : {"--can", "--channel", "--device", "--for", "--log", "--variant", "--module",
