@@ -25,9 +25,9 @@ TEST(SdoCrc, IsThatOfBlockTransfers) {
                         {{'1', '2', '3', '4', '5', '6', '7', '8', '9'}, 0x31C3}};
   for (const Case& each : cases) EXPECT_EQ(SdoCrc(each.data.data(), each.data.size()), each.crc);
 
-  // Bit by bit, over every length around the eight bytes that are taken at once.
+  // Bit by bit, over every length around the 8 and the 128 bytes that are taken at once.
   std::mt19937 random(1);
-  for (std::size_t size = 0; size < 70; ++size) {
+  for (std::size_t size = 0; size < 600; ++size) {
     std::vector<std::uint8_t> data(size);
     unsigned crc = 0;
     for (std::uint8_t& byte : data) {
@@ -73,6 +73,25 @@ TEST(SdoQueue, GivesASlotToOneTakerAtATime) {
   EXPECT_TRUE(queue.Push({})) << "the two directions do not lock each other";
   queue.AbandonRead();
   EXPECT_EQ(queue.TakeRead(), head) << "an abandoned frame stays at the head";
+}
+
+TEST(SdoQueue, AFramePassesAsIfItWereTheHead) {
+  SdoQueue queue;
+  for (int start = 0; start < SdoQueue::kCapacity; ++start) {
+    ASSERT_TRUE(queue.IsIdle());
+    queue.BeginPassing();
+    EXPECT_FALSE(queue.IsIdle());
+    for (std::uint32_t i = 1; i < 49; ++i) ASSERT_TRUE(queue.Push({.identifier = i}));
+    EXPECT_FALSE(queue.Push({})) << "the last slot is for the frame that passes";
+    EXPECT_EQ(queue.TakeRead(), nullptr);
+    queue.EndPassing();
+    queue.PutBack({.identifier = 0});
+    std::uint32_t expected = 0;
+    queue.ReadAll([&](const SdoFrame& frame) { return frame.identifier == expected++; });
+    EXPECT_EQ(expected, 49u);
+    queue.Push({});
+    queue.ReadAll([](const SdoFrame&) { return true; });
+  }
 }
 
 constexpr std::uint32_t Itself(const std::uint32_t& value) { return value; }

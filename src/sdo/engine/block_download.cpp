@@ -13,24 +13,31 @@ constexpr std::uint8_t kMaxBlockSize = 127;
 
 std::uint32_t BytesLeft(const SdoChannel& ch) { return ch.size - ch.transferred; }
 
-// The next segment of the sub-block; it counts as transferred whether there is room for it or not.
-bool SendSegment(SdoEngine& engine, SdoChannel& ch, std::uint8_t sequence) {
-  const std::uint32_t left = BytesLeft(ch);
-  const bool last = left <= kSegmentSize;
-  const std::uint32_t size = last ? left : kSegmentSize;
+// The next segment, in a frame that is addressed.
+void BuildNext(SdoChannel& ch, std::uint8_t sequence, SdoFrame& frame) {
   const std::uint8_t* data = ch.buffer + ch.transferred;
-  if (last) ch.lastSegmentSize = static_cast<std::uint8_t>(size);
-  ch.transferred += size;
-  return SdoQueueBuilt(
-      engine, [&](SdoFrame& frame) { BuildBlockSegment(frame, ch.cobIdTx, sequence, data, size, last); });
+  const std::uint32_t left = BytesLeft(ch);
+  if (left > kSegmentSize) {
+    ch.transferred += kSegmentSize;
+    return BuildFullSegment(frame, sequence, data);
+  }
+  ch.lastSegmentSize = static_cast<std::uint8_t>(left);
+  ch.transferred += left;
+  BuildShortSegment(frame, sequence | kLastBlockSegment, data, left);
 }
 
-// Without data one empty segment is sent. When the transmit queue is full the rest waits for the server, and
-// the next sub-block is one segment shorter.
+// Each segment counts as transferred whether there is room for it or not. Without data one empty segment is
+// sent. When the transmit queue is full the rest waits for the server, and the next sub-block is one segment
+// shorter.
 void SendSubBlock(SdoEngine& engine, SdoChannel& ch) {
+  SdoFrame frame;
+  Address(frame, ch.cobIdTx);
   for (std::uint8_t sequence = 1; sequence <= ch.blockSize; ++sequence) {
     if (BytesLeft(ch) == 0 && (ch.size != 0 || sequence > 1)) break;
-    if (!SendSegment(engine, ch, sequence)) {
+    BuildNext(ch, sequence, frame);
+    if (SdoCanPass(engine)) {
+      SdoPass(engine, frame);
+    } else if (!SdoQueueFrame(engine, frame)) {
       if (ch.blockSize >= 2) --ch.blockSize;
       break;
     }

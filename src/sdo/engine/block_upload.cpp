@@ -12,12 +12,15 @@ namespace {
 // Stores what fits. Every segment counts seven bytes, the last one too, until the end frame says how many of
 // them were data; only a segment that begins behind the end of the buffer has no place at all.
 bool Store(SdoChannel& ch, const SdoFrame& frame) {
-  if (ch.transferred > ch.size) return false;
-  const std::uint32_t room = ch.size - ch.transferred;
+  const std::uint32_t place = ch.transferred;
+  if (place > ch.size) return false;
+  const std::uint32_t room = ch.size - place;
+  ch.transferred = place + kSegmentSize;
+  ++ch.sequence;
   if (room >= kSegmentSize) {
-    std::memcpy(ch.buffer + ch.transferred, frame.data + 1, kSegmentSize);
+    std::memcpy(ch.buffer + place, frame.data + 1, kSegmentSize);
   } else if (room != 0) {
-    std::memcpy(ch.buffer + ch.transferred, frame.data + 1, room);
+    std::memcpy(ch.buffer + place, frame.data + 1, room);
   }
   return true;
 }
@@ -48,8 +51,6 @@ void OnBlockUploadSegment(SdoEngine& engine, SdoChannel& ch, const SdoFrame& fra
   if (BlockSequence(frame) != ch.sequence + 1) return FailTransfer(engine, ch, kAbortSequence);
   if (ch.sequence > ch.blockSize) return FailTransfer(engine, ch, kAbortBlockSize);
   if (!Store(ch, frame)) return FailTransfer(engine, ch, kAbortOutOfMemory);
-  ++ch.sequence;
-  ch.transferred += kSegmentSize;
   RestartTimeout(ch);
   const bool last = IsLastBlockSegment(frame);
   if (last) ch.state = SdoState::BlockUploadEnding;

@@ -42,11 +42,25 @@ void SdoDriverStop(SdoEngine& engine) {
 }
 
 void SdoDrainTransmit(SdoEngine& engine) {
-  if (engine.client) SdoDrain(engine, engine.client->transmit);
+  if (!engine.client) return;
+  engine.client->transmit.ReadAll([&engine](const SdoFrame& frame) { return SdoTransmit(engine, frame); });
+}
+
+void SdoKeepPassed(SdoEngine& engine, const SdoFrame& frame) {
+  SdoQueue& queue = engine.client->transmit;
+  queue.EndPassing();
+  queue.PutBack(frame);
 }
 
 bool SdoQueueFrame(SdoEngine& engine, const SdoFrame& frame) {
-  return SdoQueueBuilt(engine, [&frame](SdoFrame& slot) { slot = frame; });
+  if (engine.driver && engine.driver->closing) return true;
+  if (SdoCanPass(engine)) {
+    SdoPass(engine, frame);
+    return true;
+  }
+  if (!engine.client->transmit.Push(frame)) return false;
+  SdoDrainTransmit(engine);
+  return true;
 }
 
 }  // namespace NSdo

@@ -16,31 +16,30 @@ SdoStatus SdoDriverInit(SdoEngine& engine);
 /// Gives the transmit queue a last chance to drain, then closes the driver.
 void SdoDriverStop(SdoEngine& engine);
 
-/// Sends what is queued, as far as the bus takes it; while the node is stopped it is dropped.
-inline void SdoDrain(SdoEngine& engine, SdoQueue& queue) {
+/// Offers a frame to the bus; while the node is stopped it is dropped. false: it has to be kept.
+inline bool SdoTransmit(const SdoEngine& engine, const SdoFrame& frame) {
   const SdoHooks& hooks = engine.hooks;
-  while (const SdoFrame* frame = queue.TakeRead()) {
-    const bool send = engine.nodeState != kNodeStopped && hooks.transmit != nullptr;
-    if (send && hooks.transmit(hooks.owner, *frame) == SdoSent::Keep) return queue.AbandonRead();
-    queue.CommitRead();
-  }
+  if (engine.nodeState == kNodeStopped || hooks.transmit == nullptr) return true;
+  return hooks.transmit(hooks.owner, frame) != SdoSent::Keep;
 }
 
-/// Lets `fill` write a frame into a slot of the transmit queue and drains the queue. false: queue full. While
-/// the link closes nothing is queued, which counts as done.
-template <class Fill>
-bool SdoQueueBuilt(SdoEngine& engine, const Fill& fill) {
-  if (engine.driver && engine.driver->closing) return true;
+/// Can a frame pass by the queue, straight to the bus?
+inline bool SdoCanPass(const SdoEngine& engine) {
+  return (!engine.driver || !engine.driver->closing) && engine.client->transmit.IsIdle();
+}
+/// A frame that has passed is to be kept.
+void SdoKeepPassed(SdoEngine& engine, const SdoFrame& frame);
+/// Hands over a frame that can pass.
+inline void SdoPass(SdoEngine& engine, const SdoFrame& frame) {
+  engine.client->transmit.BeginPassing();
+  if (!SdoTransmit(engine, frame)) return SdoKeepPassed(engine, frame);
   SdoQueue& queue = engine.client->transmit;
-  SdoFrame* slot = queue.TakeWrite();
-  if (slot == nullptr) return false;
-  fill(*slot);
-  queue.CommitWrite();
-  SdoDrain(engine, queue);
-  return true;
+  queue.EndPassing();
+  if (!queue.IsEmpty()) SdoDrainTransmit(engine);
 }
 
-/// The same with a frame that is ready.
+/// Sends a frame behind those that wait, as far as the bus takes them. false: queue full. While the link
+/// closes nothing is queued, which counts as done.
 bool SdoQueueFrame(SdoEngine& engine, const SdoFrame& frame);
 
 }  // namespace NSdo

@@ -22,6 +22,12 @@ SdoFrame RequestWithNumber(const SdoChannel& ch, std::uint8_t command, std::uint
 
 SdoFrame AbortFrame(const SdoChannel& ch, std::uint32_t code) { return RequestWithNumber(ch, 0x80, code); }
 
+void BuildShortSegment(SdoFrame& frame, std::uint8_t command, const std::uint8_t* data, std::uint32_t size) {
+  std::memset(frame.data, 0, sizeof frame.data);
+  frame.data[0] = command;
+  if (size != 0) std::memcpy(frame.data + 1, data, size);
+}
+
 SdoFrame UploadRequest(const SdoChannel& ch) { return Request(ch, 0x40); }
 
 SdoFrame ExpeditedDownloadRequest(const SdoChannel& ch) {

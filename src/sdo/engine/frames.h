@@ -1,8 +1,8 @@
 #pragma once
 // The frames of the SDO protocol (CiA 301, 7.2.4.3). What stands where in the eight bytes is known here and
 // nowhere else. All of them carry eight bytes; numbers are little-endian. Byte 0 opens with the command
-// specifier in bits 7..5. Frames of which a transfer has many are built in place (Build...), in their slot of
-// the transmit queue.
+// specifier in bits 7..5. Frames of which a transfer has many are built in place (Build...), which compilers
+// do better than returning them.
 
 #include <cstdint>
 #include <cstring>
@@ -53,7 +53,6 @@ inline SdoFrame FrameTo(std::uint32_t cobId, std::uint8_t command) {
 
 /// Server's commands as bits 7..5 (command) and 1..0 (sub-command, where the command has one) of byte 0 tell
 /// them apart: command * 4 + sub-command, 0..31.
-inline unsigned CommandKey(const SdoFrame& frame) { return (frame.data[0] >> 5) * 4u + (frame.data[0] & 3u); }
 inline constexpr unsigned CommandKeyOf(unsigned command, unsigned subCommand) {
   return command * 4 + subCommand;
 }
@@ -76,6 +75,14 @@ inline bool NamesObject(const SdoFrame& frame, std::uint16_t index, std::uint8_t
 ///   byte 4..7  abort code
 SdoFrame AbortFrame(const SdoChannel& ch, std::uint32_t code);
 inline std::uint32_t AbortCode(const SdoFrame& frame) { return ReadU32(frame.data + 4); }
+
+/// Byte 0 and seven bytes of data, of a segment in either kind of download.
+inline void BuildFullSegment(SdoFrame& frame, std::uint8_t command, const std::uint8_t* data) {
+  frame.data[0] = command;
+  std::memcpy(frame.data + 1, data, kSegmentSize);
+}
+/// The same with `size` bytes, 0..7; unused ones are 0.
+void BuildShortSegment(SdoFrame& frame, std::uint8_t command, const std::uint8_t* data, std::uint32_t size);
 
 // --- Upload ---------------------------------------------------------------------------------------------
 
@@ -101,7 +108,6 @@ inline std::span<const std::uint8_t> ExpeditedData(const SdoFrame& frame) {
 ///   byte 0     011 t 0000     t toggle
 inline void BuildUploadSegmentRequest(SdoFrame& frame, std::uint32_t cobId, std::uint8_t toggle) {
   Address(frame, cobId);
-  std::memset(frame.data, 0, sizeof frame.data);
   frame.data[0] = static_cast<std::uint8_t>(0x60 | toggle);
 }
 
@@ -110,6 +116,8 @@ inline void BuildUploadSegmentRequest(SdoFrame& frame, std::uint32_t cobId, std:
 ///   byte 1..7  data
 inline std::uint8_t ToggleOf(const SdoFrame& frame) { return frame.data[0] & kToggleBit; }
 inline bool IsLastSegment(const SdoFrame& frame) { return (frame.data[0] & 1) != 0; }
+/// Seven bytes, and more to come.
+inline bool IsFullSegment(const SdoFrame& frame) { return (frame.data[0] & 0x0F) == 0; }
 inline std::span<const std::uint8_t> SegmentData(const SdoFrame& frame) {
   return {frame.data + 1, kSegmentSize - ((frame.data[0] >> 1) & 7u)};
 }
@@ -131,23 +139,9 @@ SdoFrame SegmentedDownloadRequest(const SdoChannel& ch);
 /// Does the server answer a segment (001 t 0000), not the initiate request (011 0 0000)?
 inline bool AnswersSegment(const SdoFrame& frame) { return frame.data[0] >> 5 == kServerDownloadSegment; }
 
-/// Command and up to seven bytes of data; the usual full segment by a copy of fixed length.
-inline void BuildSegment(SdoFrame& frame, std::uint32_t cobId, std::uint32_t command,
-                         const std::uint8_t* data, std::uint32_t size) {
-  Address(frame, cobId);
-  if (size == kSegmentSize) {
-    std::memcpy(frame.data + 1, data, kSegmentSize);
-  } else {
-    std::memset(frame.data, 0, sizeof frame.data);
-    for (std::uint32_t i = 0; i < size; ++i) frame.data[1 + i] = data[i];
-  }
-  frame.data[0] = static_cast<std::uint8_t>(command);
-}
-
-/// `size` 0..7; only the last segment may be short. Layout as above.
-inline void BuildDownloadSegment(SdoFrame& frame, std::uint32_t cobId, std::uint8_t toggle,
-                                 const std::uint8_t* data, std::uint32_t size, bool last) {
-  BuildSegment(frame, cobId, ((kSegmentSize - size) << 1) | toggle | (last ? 1u : 0u), data, size);
+/// Byte 0 of a segment of `size` bytes; only the last one may be short. Layout as above.
+inline std::uint8_t DownloadSegmentCommand(std::uint8_t toggle, std::uint32_t size, bool last) {
+  return static_cast<std::uint8_t>(((kSegmentSize - size) << 1) | toggle | (last ? 1u : 0u));
 }
 
 // --- Block download -------------------------------------------------------------------------------------
@@ -167,12 +161,9 @@ inline std::uint8_t ServerBlockSize(const SdoFrame& frame) { return frame.data[4
 /// Segment of a sub-block, either direction (7.2.4.3.10, 7.2.4.3.14).
 ///   byte 0     c sssssss      c last segment of all, s sequence number 1..127 within the sub-block
 ///   byte 1..7  data
-inline void BuildBlockSegment(SdoFrame& frame, std::uint32_t cobId, std::uint8_t sequence,
-                              const std::uint8_t* data, std::uint32_t size, bool last) {
-  BuildSegment(frame, cobId, sequence | (last ? 0x80u : 0u), data, size);
-}
+inline constexpr std::uint8_t kLastBlockSegment = 0x80;
 inline std::uint8_t BlockSequence(const SdoFrame& frame) { return frame.data[0] & 0x7F; }
-inline bool IsLastBlockSegment(const SdoFrame& frame) { return (frame.data[0] & 0x80) != 0; }
+inline bool IsLastBlockSegment(const SdoFrame& frame) { return (frame.data[0] & kLastBlockSegment) != 0; }
 
 /// Acknowledge of a sub-block, server to client (7.2.4.3.10).
 ///   byte 0     101 000 10

@@ -8,28 +8,47 @@ namespace {
 
 bool Fits(const SdoChannel& ch, std::size_t bytes) { return bytes <= ch.size - ch.transferred; }
 
-void Append(SdoChannel& ch, std::span<const std::uint8_t> data) {
-  std::uint8_t* place = ch.buffer + ch.transferred;
-  if (data.size() == kSegmentSize) {
-    std::memcpy(place, data.data(), kSegmentSize);  // the usual segment: a copy of fixed length
-  } else if (!data.empty()) {
-    std::memcpy(place, data.data(), data.size());
-  }
+// False: it does not fit.
+bool Append(SdoChannel& ch, std::span<const std::uint8_t> data) {
+  if (!Fits(ch, data.size())) return false;
+  if (!data.empty()) std::memcpy(ch.buffer + ch.transferred, data.data(), data.size());
   ch.transferred += static_cast<std::uint32_t>(data.size());
+  return true;
+}
+
+// The usual segment: a copy of fixed length.
+bool AppendFull(SdoChannel& ch, const SdoFrame& frame) {
+  const std::uint32_t place = ch.transferred;
+  if (ch.size - place < kSegmentSize) return false;
+  ch.transferred = place + kSegmentSize;
+  std::memcpy(ch.buffer + place, frame.data + 1, kSegmentSize);
+  return true;
 }
 
 void RequestSegment(SdoEngine& engine, SdoChannel& ch) {
-  BuildOrFail(engine, ch,
-              [&ch](SdoFrame& frame) { BuildUploadSegmentRequest(frame, ch.cobIdTx, ch.toggle); });
+  SdoFrame frame;
+  BuildUploadSegmentRequest(frame, ch.cobIdTx, ch.toggle);
+  SendOrFail(engine, ch, frame);
+}
+
+// Apart, so that the segments before it carry nothing of it.
+[[gnu::noinline]] void SendLastSegment(SdoEngine& engine, SdoChannel& ch, std::uint32_t size) {
+  SdoFrame frame;
+  Address(frame, ch.cobIdTx);
+  const std::uint8_t command = DownloadSegmentCommand(ch.toggle, size, true);
+  BuildShortSegment(frame, command, ch.buffer + ch.transferred, size);
+  ch.transferred += size;
+  QueueOrFail(engine, ch, frame);
 }
 
 void SendSegment(SdoEngine& engine, SdoChannel& ch, std::uint32_t left) {
-  const bool last = left <= kSegmentSize;
-  const std::uint32_t size = last ? left : kSegmentSize;
-  const std::uint8_t* data = ch.buffer + ch.transferred;
-  ch.transferred += size;
-  BuildOrFail(engine, ch,
-              [&](SdoFrame& frame) { BuildDownloadSegment(frame, ch.cobIdTx, ch.toggle, data, size, last); });
+  if (left <= kSegmentSize) return SendLastSegment(engine, ch, left);
+  SdoFrame frame;
+  Address(frame, ch.cobIdTx);
+  const std::uint8_t command = DownloadSegmentCommand(ch.toggle, kSegmentSize, false);
+  BuildFullSegment(frame, command, ch.buffer + ch.transferred);
+  ch.transferred += kSegmentSize;
+  SendOrFail(engine, ch, frame);
 }
 
 }  // namespace
@@ -42,9 +61,7 @@ void OnUploadInitiated(SdoEngine& engine, SdoChannel& ch, const SdoFrame& frame)
   }
   RestartTimeout(ch);
   if (IsExpedited(frame)) {
-    const auto data = ExpeditedData(frame);
-    if (!Fits(ch, data.size())) return FailTransfer(engine, ch, kAbortLengthTooHigh);
-    Append(ch, data);
+    if (!Append(ch, ExpeditedData(frame))) return FailTransfer(engine, ch, kAbortLengthTooHigh);
     return CompleteTransfer(engine, ch);
   }
   if (IsSizeIndicated(frame) && !Fits(ch, IndicatedSize(frame))) {
@@ -58,10 +75,10 @@ void OnUploadInitiated(SdoEngine& engine, SdoChannel& ch, const SdoFrame& frame)
 void OnUploadSegment(SdoEngine& engine, SdoChannel& ch, const SdoFrame& frame) {
   if (ch.state != SdoState::SegmentedUpload) return FailTransfer(engine, ch, kAbortCommand);
   if (ToggleOf(frame) != ch.toggle) return FailTransfer(engine, ch, kAbortToggle);
-  const auto data = SegmentData(frame);
-  if (!Fits(ch, data.size())) return FailTransfer(engine, ch, kAbortLengthTooHigh);
-  Append(ch, data);
-  if (IsLastSegment(frame)) return CompleteTransfer(engine, ch);
+  const bool more = IsFullSegment(frame);
+  const bool fits = more ? AppendFull(ch, frame) : Append(ch, SegmentData(frame));
+  if (!fits) return FailTransfer(engine, ch, kAbortLengthTooHigh);
+  if (!more && IsLastSegment(frame)) return CompleteTransfer(engine, ch);
   ch.toggle ^= kToggleBit;
   RestartTimeout(ch);
   RequestSegment(engine, ch);

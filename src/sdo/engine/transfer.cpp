@@ -112,7 +112,7 @@ bool AbortTransfer(SdoEngine& engine, SdoChannel& ch, std::uint8_t abortIndex) {
   return queued;
 }
 
-void SendOrFail(SdoEngine& engine, SdoChannel& ch, const SdoFrame& frame) {
+void QueueOrFail(SdoEngine& engine, SdoChannel& ch, const SdoFrame& frame) {
   if (!SdoQueueFrame(engine, frame)) FailTransfer(engine, ch, kAbortOutOfMemory);
 }
 

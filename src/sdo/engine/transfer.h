@@ -24,14 +24,14 @@ inline void FailTransfer(SdoEngine& engine, SdoChannel& ch, std::uint8_t abortIn
   AbortTransfer(engine, ch, abortIndex);
 }
 
-/// Queues the next frame of the transfer as `fill` writes it, or fails the transfer for want of room. The
-/// channel may have moved on when this returns, for the transmit hook may have fed the answer: send last.
-template <class Fill>
-void BuildOrFail(SdoEngine& engine, SdoChannel& ch, const Fill& fill) {
-  if (!SdoQueueBuilt(engine, fill)) FailTransfer(engine, ch, kAbortOutOfMemory);
+/// What SendOrFail does with a frame that cannot pass by the queue.
+void QueueOrFail(SdoEngine& engine, SdoChannel& ch, const SdoFrame& frame);
+/// Sends the next frame of the transfer, or fails the transfer for want of room. The channel may have moved
+/// on when this returns, for the transmit hook may have fed the answer: send last.
+inline void SendOrFail(SdoEngine& engine, SdoChannel& ch, const SdoFrame& frame) {
+  if (SdoCanPass(engine)) return SdoPass(engine, frame);
+  QueueOrFail(engine, ch, frame);
 }
-/// The same with a frame that is ready.
-void SendOrFail(SdoEngine& engine, SdoChannel& ch, const SdoFrame& frame);
 
 // Server's answers, one function per event.
 void OnUploadInitiated(SdoEngine& engine, SdoChannel& ch, const SdoFrame& frame);
