@@ -131,9 +131,11 @@ std::vector<NodeChange> DescribeChanges(const std::vector<ScannedNode>& before,
   std::vector<NodeChange> changes;
   for (const ScannedNode& node : after) {
     const auto found = std::lower_bound(before.begin(), before.end(), node, IsBefore);
-    const bool isNew = found == before.end() || IsBefore(node, *found);
-    const ScannedNode nothing = Nothing(node);
-    Comparison(isNew ? nothing : *found, node, changes).Run(isNew);
+    if (found == before.end() || IsBefore(node, *found)) {
+      Comparison(Nothing(node), node, changes).Run(true);
+    } else {
+      Comparison(*found, node, changes).Run(false);
+    }
   }
   return changes;
 }
