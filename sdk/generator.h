@@ -82,6 +82,10 @@ struct IGenerator : IUnknown {
                                                    std::uint32_t enabled) = 0;
   /// The events are kept until they are replaced; null withdraws them.
   virtual HRESULT STDMETHODCALLTYPE SetEvents(IGeneratorEvents* events) = 0;
+  /// Loads the sequence file that the block's settings remember, once the configuration is there; a block
+  /// with a window does it by itself. S_FALSE: there is no configuration yet, or nothing is remembered.
+  /// E_FAIL: it cannot be loaded, which the user was told.
+  virtual HRESULT STDMETHODCALLTYPE ReloadSequence() = 0;
 };
 
 }  // namespace NSdk

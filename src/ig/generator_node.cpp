@@ -9,6 +9,7 @@
 #include "com/task_text.h"
 #include "common/host_application.h"
 #include "common/text.h"
+#include "common/user_messages.h"
 #include "ig/live_blocks.h"
 #include "ig/sequence_file.h"
 #include "resources/resource_ids.h"
@@ -30,6 +31,13 @@ bool ReadFrame(NSdk::ICANMessage& message, NSdk::CanFrame& frame) {
   size = std::min<std::uint32_t>(size, sizeof(frame.data));
   frame.flags = size | (remote ? NSdk::kFrameRemote : 0) | (extended ? NSdk::kFrameExtended : 0);
   return remote || SUCCEEDED(message.CopyData(0, frame.data, size));
+}
+
+// Empty: there is no configuration, or it was never saved.
+std::filesystem::path ConfigurationFile() {
+  NCom::TaskText path;
+  const auto configuration = NCommon::HostService<NSdk::IConfigurationService>();
+  return configuration && configuration->GetPath(path.Receive()) == S_OK ? path.Text() : std::wstring();
 }
 
 }  // namespace
@@ -149,10 +157,8 @@ HRESULT ZCANopenIGNode::OnTimer(NSdk::ITimer* timer) {
 
 // Relative "file:" data belongs to the configuration; without one, to the sequence file that names it.
 void ZCANopenIGNode::UpdateDataFolder() {
-  std::filesystem::path file = mSequencePath;
-  NCom::TaskText path;
-  const auto configuration = NCommon::HostService<NSdk::IConfigurationService>();
-  if (configuration && configuration->GetPath(path.Receive()) == S_OK) file = path.Text();
+  const std::filesystem::path configuration = ConfigurationFile();
+  const std::filesystem::path& file = configuration.empty() ? mSequencePath : configuration;
   mGenerator.SetDataFolder(file.parent_path());
 }
 
@@ -172,6 +178,7 @@ HRESULT ZCANopenIGNode::Load(NSdk::IPersistReader* reader) {
 HRESULT ZCANopenIGNode::Save(NSdk::IPersistWriter* writer) {
   return NCom::Entry([&] {
     NCom::Require(writer, "writer");
+    mSettings.sequence.ConfigurationMoved(ConfigurationFile());
     return SaveSettings(*writer, mSettings);
   });
 }
@@ -211,8 +218,23 @@ HRESULT ZCANopenIGNode::SaveSequence(const wchar_t* path, wchar_t** reason) {
 
 void ZCANopenIGNode::RememberSequence(const std::filesystem::path& path) {
   mSequencePath = path;
+  mSettings.sequence.Remember(path, ConfigurationFile());
   UpdateDataFolder();
   if (mSite) mSite->BlockChanged();
+}
+
+HRESULT ZCANopenIGNode::ReloadSequence() {
+  return NCom::Entry([&]() -> HRESULT {
+    if (!NCommon::HostService<NSdk::IConfigurationService>()) return S_FALSE;
+    const std::filesystem::path path = mSettings.sequence.Resolve(ConfigurationFile());
+    if (path.empty()) return S_FALSE;
+    const std::wstring text = path.wstring();
+    if (SUCCEEDED(LoadSequence(text.c_str(), nullptr))) return S_OK;
+    NCommon::ShowUserMessage(
+        fmt::sprintf(NResources::LoadText(IDS_IG_LOAD_FAILED), mSettings.name + L": ", text),
+        NSdk::kMessageExclamation);
+    return E_FAIL;
+  });
 }
 
 HRESULT ZCANopenIGNode::ToggleSequence() {

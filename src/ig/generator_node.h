@@ -63,6 +63,7 @@ class ZCANopenIGNode final : public GeneratorInterfaces, private TransmissionObs
   HRESULT STDMETHODCALLTYPE SetItemEnabled(std::uint32_t list, std::uint32_t position,
                                            std::uint32_t enabled) override;
   HRESULT STDMETHODCALLTYPE SetEvents(NSdk::IGeneratorEvents* events) override;
+  HRESULT STDMETHODCALLTYPE ReloadSequence() override;
 
  private:
   void ItemSent(const ItemPlace& place) override;

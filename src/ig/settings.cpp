@@ -9,6 +9,8 @@ namespace NIg {
 namespace {
 
 constexpr wchar_t kNameKey[] = L"Name";
+constexpr wchar_t kSequenceRelativeKey[] = L"LastCOIGSequenceRel";
+constexpr wchar_t kSequenceAbsoluteKey[] = L"LastCOIGSequenceAbs";
 
 std::optional<std::wstring> Read(NSdk::IPersistReader& reader, const wchar_t* key) {
   NCom::TaskText value;
@@ -30,6 +32,8 @@ std::optional<std::uint32_t> ToNumber(const std::wstring& text) {
 
 void LoadSettings(NSdk::IPersistReader& reader, GeneratorSettings& settings) {
   if (const auto name = Read(reader, kNameKey)) settings.name = *name;
+  if (const auto path = Read(reader, kSequenceRelativeKey)) settings.sequence.relative = *path;
+  if (const auto path = Read(reader, kSequenceAbsoluteKey)) settings.sequence.absolute = *path;
   for (const NumberField& field : kNumberFields) {
     const auto text = Read(reader, field.key);
     const auto number = text ? ToNumber(*text) : std::nullopt;
@@ -45,6 +49,8 @@ HRESULT SaveSettings(NSdk::IPersistWriter& writer, const GeneratorSettings& sett
     if (FAILED(result)) return result;
     result = writer.WriteText(field.key, std::to_wstring(settings.numbers.*field.member).c_str());
   }
+  if (SUCCEEDED(result)) result = writer.WriteText(kSequenceRelativeKey, settings.sequence.relative.c_str());
+  if (SUCCEEDED(result)) result = writer.WriteText(kSequenceAbsoluteKey, settings.sequence.absolute.c_str());
   return result;
 }
 

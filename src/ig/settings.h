@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 
+#include "ig/remembered_sequence.h"
 #include "sdk/persistence.h"
 
 namespace NIg {
@@ -33,6 +34,7 @@ inline constexpr NumberField kNumberFields[] = {
 struct GeneratorSettings {
   std::wstring name;
   GeneratorNumbers numbers;
+  RememberedSequence sequence;
 };
 
 /// Reads the keys that are there; a missing one, and a number that is none or out of its range, keeps the

@@ -9,6 +9,7 @@
 
 #include "com/com_ptr.h"
 #include "com/implements.h"
+#include "com/task_text.h"
 #include "common/host_application.h"
 #include "sdk/runtime.h"
 
@@ -94,6 +95,21 @@ class FakeDialogs final : public NCom::Implements<NSdk::IUserDialogs> {
   std::function<void()> whileShown;
 };
 
+/// A configuration with a path and nothing else.
+class FakeConfiguration final : public NCom::Implements<NSdk::IConfigurationService> {
+ public:
+  explicit FakeConfiguration(std::wstring path) : mPath(std::move(path)) {}
+  HRESULT STDMETHODCALLTYPE GetItemCount(std::uint32_t, std::uint32_t*) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetPath(wchar_t** path) override {
+    return mPath.empty() ? S_FALSE : NCom::HandOut(mPath, path);
+  }
+  HRESULT STDMETHODCALLTYPE GetCanChannel(std::uint32_t, std::uint32_t*) override { return S_FALSE; }
+  HRESULT STDMETHODCALLTYPE GetDatabase(std::uint32_t, wchar_t**, std::uint32_t*) override { return S_FALSE; }
+
+ private:
+  std::wstring mPath;
+};
+
 /// Bound as the process's host application for its lifetime.
 class FakeHost final : public NCom::Implements<NSdk::IRuntime, NSdk::IHostApplication> {
  public:
@@ -126,7 +142,8 @@ class FakeHost final : public NCom::Implements<NSdk::IRuntime, NSdk::IHostApplic
   }
   HRESULT STDMETHODCALLTYPE IsMeasuring(std::uint32_t* measuring) override { return Answer(measuring, 1); }
   HRESULT STDMETHODCALLTYPE GetService(REFIID iid, void** service) override {
-    return dialogs->QueryInterface(iid, service);
+    if (SUCCEEDED(dialogs->QueryInterface(iid, service))) return S_OK;
+    return configuration ? configuration->QueryInterface(iid, service) : E_NOINTERFACE;
   }
   HRESULT STDMETHODCALLTYPE FindEventSource(REFIID, NSdk::IEventSource**) override { return E_NOINTERFACE; }
 
@@ -154,6 +171,7 @@ class FakeHost final : public NCom::Implements<NSdk::IRuntime, NSdk::IHostApplic
   std::vector<FakeTimer*> timers;  // living ones
   std::vector<SentFrame> sent;
   NCom::ComPtr<FakeDialogs> dialogs = NCom::Make<FakeDialogs>();
+  NCom::ComPtr<FakeConfiguration> configuration;  // empty: none is open yet
 
  private:
   template <class Value>

@@ -106,15 +106,47 @@ TEST_F(GeneratorNode, KeepsItsSettingsAndRefusesNumbersOutOfRange) {
   EXPECT_EQ(node->Load(store.Get()), S_OK);
   store->values.clear();
   EXPECT_EQ(node->Save(store.Get()), S_OK);
-  const std::map<std::wstring, std::wstring> expected = {{L"Name", L"Pump \u00e4"},
-                                                         {L"SvcDelay", L"100000"},
-                                                         {L"SDOTimeout", L"5000"},
-                                                         {L"SDOBlockSize", L"10"},
-                                                         {L"CANChannel", L"2"}};
+  const std::map<std::wstring, std::wstring> expected = {
+      {L"Name", L"Pump \u00e4"},    {L"SvcDelay", L"100000"}, {L"SDOTimeout", L"5000"},
+      {L"SDOBlockSize", L"10"},     {L"CANChannel", L"2"},    {L"LastCOIGSequenceRel", L""},
+      {L"LastCOIGSequenceAbs", L""}};
   EXPECT_EQ(store->values, expected);
   EXPECT_EQ(Caption(), L"CAN2 | Sequence file: Untitled");
   EXPECT_THROW(node->Load(nullptr), NCom::ZAssertion);
   EXPECT_THROW(node->Save(nullptr), NCom::ZAssertion);
+}
+
+TEST_F(GeneratorNode, ReloadsTheSequenceThatItRemembers) {
+  const auto path =
+      Write("line.seq", "<CANopenIG><Sequence><SYNC Enabled=\"1\"/></Sequence><CyclicMsgs/></CANopenIG>");
+  const auto store = NCom::Make<Store>();
+  host->configuration = NCom::Make<NTest::FakeConfiguration>((folder / "line.json").wstring());
+  ASSERT_EQ(node->LoadSequence(path.wstring().c_str(), nullptr), S_OK);
+  EXPECT_EQ(node->Save(store.Get()), S_OK);
+  EXPECT_EQ(store->values[L"LastCOIGSequenceRel"], L"line.seq");
+  EXPECT_EQ(store->values[L"LastCOIGSequenceAbs"], path.wstring());
+
+  // Nothing happens until the configuration is there, or when nothing is remembered.
+  const auto again = NCom::Make<ZCANopenIGNode>();
+  const auto reloadedCaption = [&] {
+    TaskText caption;
+    again->GetCaption(caption.Receive());
+    return caption.Text();
+  };
+  EXPECT_EQ(again->ReloadSequence(), S_FALSE);
+  store->values[L"LastCOIGSequenceAbs"] = L"/somewhere/else.seq";
+  again->Load(store.Get());
+  const auto configuration = std::exchange(host->configuration, nullptr);
+  EXPECT_EQ(again->ReloadSequence(), S_FALSE);
+  host->configuration = configuration;
+  EXPECT_EQ(again->ReloadSequence(), S_OK);
+  EXPECT_EQ(reloadedCaption(), L"CAN1 | Sequence file: " + path.wstring());
+
+  std::filesystem::remove(path);
+  EXPECT_EQ(again->ReloadSequence(), E_FAIL);
+  EXPECT_THAT(host->dialogs->messages,
+              ElementsAre(L"CANopen Interactive Generator Block: Error - Sequence file " + path.wstring() +
+                          L" cannot be loaded"));
 }
 
 TEST_F(GeneratorNode, LoadsPlaysAndReportsASequence) {
