@@ -10,6 +10,7 @@ cache=$root/.cache  # made once and kept; build/ may be wiped at any time
 #             the format check
 #   windows   cross compiler, Wine (fonts apart: windows measure their text)
 #   source    unpack a Debian source package
+#   vm        a virtual machine with the kernel that the tests of CAN interfaces need (tests/buses/socketcan_vm)
 #   tidy      the static analysis that tools/check-style --tidy makes
 packages_of() {
   case $1 in
@@ -17,6 +18,7 @@ packages_of() {
     test) echo googletest can-utils python3-can libbenchmark-dev clang-format-14 ;;
     windows) echo g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 wine64 fonts-wine googletest ;;
     source) echo dpkg-dev ;;
+    vm) echo qemu-system-x86 cpio iproute2 ;;
     tidy) echo clang-tidy-14 ;;
     *) die "no package group '$1'" ;;
   esac

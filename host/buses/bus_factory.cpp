@@ -5,6 +5,7 @@
 #include <optional>
 #include <stdexcept>
 
+#include "host/buses/socketcan.h"
 #include "host/buses/socketcand_client.h"
 
 namespace NBuses {
@@ -18,26 +19,41 @@ struct BusFactory::Kind {
   Adapter (BusFactory::*make)(std::string_view word, const BusName& name);
 };
 
+namespace {
+
+constexpr std::string_view kLinuxKind = "socketcan";
+
+}  // namespace
+
 const std::vector<BusFactory::Kind>& BusFactory::Kinds() {
-  static const std::vector<Kind> kinds = {
-      {"virtual",
-       "virtual[:NAME]",
-       "a bus inside this program; channels with the same NAME share it;\n"
-       "                         option bitrate=BPS: frames take their time on it",
-       {"bitrate"},
-       &BusFactory::MakeVirtual},
-      {"replay",
-       "replay:FILE",
-       "a log of candump; options speed=FACTOR or speed=max,\n"
-       "                         iface=NAME for the frames of one interface",
-       {"speed", "iface"},
-       &BusFactory::MakeReplay},
-      {"socketcand",
-       "socketcand:HOST/IFACE",
-       "an interface of another machine; HOST may be HOST:PORT",
-       {},
-       &BusFactory::MakeSocketcand},
-  };
+  static const std::vector<Kind> kinds = [] {
+    std::vector<Kind> all = {
+        {"virtual",
+         "virtual[:NAME]",
+         "a bus inside this program; channels with the same NAME share it;\n"
+         "                         option bitrate=BPS: frames take their time on it",
+         {"bitrate"},
+         &BusFactory::MakeVirtual},
+        {"replay",
+         "replay:FILE",
+         "a log of candump; options speed=FACTOR or speed=max,\n"
+         "                         iface=NAME for the frames of one interface",
+         {"speed", "iface"},
+         &BusFactory::MakeReplay},
+        {kLinuxKind,
+         "socketcan:IFACE",
+         "an interface of this machine, can0 for example",
+         {},
+         &BusFactory::MakeSocketCan},
+        {"socketcand",
+         "socketcand:HOST/IFACE",
+         "an interface of another machine; HOST may be HOST:PORT",
+         {},
+         &BusFactory::MakeSocketcand},
+    };
+    if (!HasSocketCan()) std::erase_if(all, [](const Kind& kind) { return kind.name == kLinuxKind; });
+    return all;
+  }();
   return kinds;
 }
 
@@ -46,6 +62,7 @@ namespace {
 constexpr std::size_t kMeaningColumn = 25;  // of the help text
 constexpr std::uint32_t kLowestBitRate = 1000, kHighestBitRate = 1000000;
 constexpr std::size_t kLongestInterface = 64;
+constexpr std::size_t kLongestLinuxInterface = 15;
 constexpr double kLowestSpeed = 0.01, kHighestSpeed = 1000;
 
 [[noreturn]] void Refuse(std::string_view word, const std::string& reason) {
@@ -103,6 +120,12 @@ const BusFactory::Kind& BusFactory::FindKind(std::string_view word, const BusNam
     if (kind.name == name.kind) return kind;
   }
   const std::string known = Join(Kinds(), [](const Kind& kind) { return kind.name; });
+  if (name.kind == kLinuxKind) {
+    Refuse(word,
+           "SocketCAN is a part of Linux; from here an interface of a Linux machine is reached with "
+           "socketcand:HOST/" +
+               (name.address.empty() ? "IFACE" : name.address));
+  }
   Refuse(word, "unknown kind \"" + name.kind + "\" (known: " + known + ")");
 }
 
@@ -132,6 +155,15 @@ BusFactory::Adapter BusFactory::MakeReplay(std::string_view word, const BusName&
   }
   return std::make_unique<ReplayPort>(
       mReplays.Get(name.address, speed == "max" ? 1 : ParseSpeed(word, speed)), Option(name, "iface"));
+}
+
+BusFactory::Adapter BusFactory::MakeSocketCan(std::string_view word, const BusName& name) {
+  if (name.address.empty() || name.address.size() > kLongestLinuxInterface) {
+    Refuse(word, "the name of an interface is wanted, up to 15 characters: socketcan:can0");
+  }
+  if (!mAsioLoop) Refuse(word, "there are no interfaces here");
+  KeepRealTime(word);
+  return NBuses::MakeSocketCan(*mAsioLoop, name.address);
 }
 
 BusFactory::Adapter BusFactory::MakeSocketcand(std::string_view word, const BusName& name) {

@@ -32,6 +32,7 @@ class BusFactory {
   static const Kind& FindKind(std::string_view word, const BusName& name);
   Adapter MakeVirtual(std::string_view word, const BusName& name);
   Adapter MakeReplay(std::string_view word, const BusName& name);
+  Adapter MakeSocketCan(std::string_view word, const BusName& name);
   Adapter MakeSocketcand(std::string_view word, const BusName& name);
   void SkipWaits(std::string_view word);
   void KeepRealTime(std::string_view word);
