@@ -47,6 +47,10 @@ What is shown:
 Buses:
 )";
 
+constexpr char kPlayFaults[] = R"(
+Devices that fail their SDO clients, --device 5,late=300 for instance:
+)";
+
 constexpr char kPlayFooter[] = R"(
 Exit status: 0 transmitted, 1 not everything was transmitted, 2 bad input,
 130 stopped by Ctrl+C before the end of the sequence.
@@ -67,7 +71,10 @@ Examples:
 class PlayCommand final : public Command {
  public:
   void AddOptions(CLI::App& app) override;
-  std::string Help() const override { return kPlayHelp + NBuses::DescribeBusKinds() + kPlayFooter; }
+  std::string Help() const override {
+    return kPlayHelp + NBuses::DescribeBusKinds() + kPlayFaults + NDevices::DescribeDeviceOptions() +
+           kPlayFooter;
+  }
   ExitStatus Run() const override { return Play(Check()); }
 
  private:

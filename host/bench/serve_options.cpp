@@ -25,6 +25,10 @@ CAN channel 1 is called can1 there. The server goes on until Ctrl+C.
 Buses:
 )";
 
+constexpr char kServeFaults[] = R"(
+Devices that fail their SDO clients, --device 5,late=300 for instance:
+)";
+
 constexpr char kServeFooter[] = R"(
 Exit status: 0 ended by Ctrl+C or --for, 2 bad input.
 
@@ -38,7 +42,10 @@ Examples:
 class ServeCommand final : public Command {
  public:
   void AddOptions(CLI::App& app) override;
-  std::string Help() const override { return kServeHelp + NBuses::DescribeBusKinds() + kServeFooter; }
+  std::string Help() const override {
+    return kServeHelp + NBuses::DescribeBusKinds() + kServeFaults + NDevices::DescribeDeviceOptions() +
+           kServeFooter;
+  }
   ExitStatus Run() const override { return Serve(Check()); }
 
  private:
