@@ -6,6 +6,9 @@
 
 namespace NRuntime {
 
+/// ".so" or ".dll"
+extern const char* const kSharedLibrarySuffix;
+
 class SharedLibrary {
  public:
   /// Throws std::runtime_error with the platform's reason (one line, without the path) when the file cannot

@@ -17,6 +17,8 @@ std::string Reason(const std::string& path) {
 
 }  // namespace
 
+const char* const kSharedLibrarySuffix = ".so";
+
 SharedLibrary::SharedLibrary(const std::filesystem::path& path)
     : mHandle(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL)) {
   if (!mHandle) throw std::runtime_error(Reason(path.native()));

@@ -21,6 +21,8 @@ std::string Reason(DWORD error) {
 
 }  // namespace
 
+const char* const kSharedLibrarySuffix = ".dll";
+
 SharedLibrary::SharedLibrary(const std::filesystem::path& path) {
   // No message boxes of the system about a broken library.
   const UINT mode = SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX);
