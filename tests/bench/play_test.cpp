@@ -141,6 +141,13 @@ TEST_F(Play, TransfersWithASimulatedDeviceAreOfEveryKind) {
                                          "expedited download 4 aborted \"06010002\""));
 }
 
+TEST_F(Play, ADeviceMisbehavesAsItIsTold) {
+  const auto outcome =
+      Run(R"(<SDO NodeID="5" Index="0x1000" Upload="1" COBIDTx="0x605" COBIDRx="0x585" Enabled="1"/>)", "",
+          "--device 5,abort=0x08000021 --json");
+  EXPECT_EQ(json::parse(outcome.output)["transfers"][0]["abort"], "08000021");
+}
+
 // A thousand segments at least of 111 bits, at 1 Mbit/s.
 TEST_F(Play, ABusWithABitRateTakesItsTime) {
   const auto outcome =
