@@ -99,7 +99,7 @@ std::wstring Printable(std::string_view utf8) {
 }
 
 std::wstring StateWords(const ScannedNode& node) {
-  const std::wstring text = Printable(node.cells[NSdk::kColumnState]);
+  std::wstring text = Printable(node.cells[NSdk::kColumnState]);
   if (!text.empty()) return text;
   return node.state == NSdk::kNodeStateUnknown ? L"unknown" : std::to_wstring(node.state);
 }

@@ -108,7 +108,7 @@ std::string FirstLine(const std::string& text) { return text.substr(0, text.find
 std::string Fault(const CLI::ParseError& error) {
   const std::string text = FirstLine(error.what());
   const bool missing =
-      dynamic_cast<const CLI::ArgumentMismatch*>(&error) && text.find("missing") != text.npos;
+      dynamic_cast<const CLI::ArgumentMismatch*>(&error) && text.find("missing") != std::string::npos;
   return missing ? text.substr(0, text.find(':')) + ": a value is wanted behind it" : text;
 }
 
