@@ -83,15 +83,19 @@ void Bench::RunFor(Time duration) {
   now = end;
 }
 
-void Bench::Play(const std::vector<Line>& script) {
-  for (const Line& line : script) {
-    if (line.direction == TX) {
+void Bench::Play(const std::string& script) {
+  for (std::size_t place = 0; place < script.size();) {
+    const std::size_t next = std::min(script.find_first_of("<>", place + 1), script.size());
+    const std::string bytes = script.substr(place + 1, next - place - 1);
+    const bool isRequest = script[place] == '>';
+    place = next;
+    if (isRequest) {
       ASSERT_TRUE(sent.empty()) << "not in the script: " << Text(sent.front().frame);
-      Request(line.bytes);
+      Request(bytes);
       continue;
     }
-    ASSERT_FALSE(sent.empty()) << "missing: " << line.bytes;
-    EXPECT_EQ(Text(sent.front().frame), Text(SdoFrame("585", line.bytes)));
+    ASSERT_FALSE(sent.empty()) << "missing: " << bytes;
+    EXPECT_EQ(Text(sent.front().frame), Text(SdoFrame("585", bytes)));
     sent.pop_front();
   }
   EXPECT_TRUE(sent.empty()) << "not in the script: " << Text(sent.front().frame);

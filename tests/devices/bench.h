@@ -18,14 +18,6 @@ using NDevices::Time;
 
 inline constexpr std::uint8_t kNode = 5;
 
-enum Direction { TX, RX };  // TX: to the device
-
-/// One frame of an SDO transfer, as a trace shows it: "40 17 10 00". Bytes that are left out are 0.
-struct Line {
-  Direction direction;
-  std::string bytes;
-};
-
 /// "605 40 17 10 00": identifier and data; "705 R": remote frame.
 NSdk::CanFrame Frame(const std::string& text);
 std::string Text(const NSdk::CanFrame& frame);
@@ -46,8 +38,9 @@ class Bench final : public NDevices::FrameSink {
   void Request(const std::string& bytes);
   /// Time passes; whatever is due on the way happens at its moment.
   void RunFor(Time duration);
-  /// Requests and the answers to them, and nothing else.
-  void Play(const std::vector<Line>& script);
+  /// "> 40 17 10 00 < 4B 17 10 00 F4 01": an SDO request and the answer to it, and so on; nothing else may be
+  /// sent. Bytes that are left out are 0.
+  void Play(const std::string& script);
 
   void Start() { Feed("000 01 00"); }
   void SetNumber(NDevices::ObjectAddress address, std::uint32_t value);

@@ -79,10 +79,10 @@ TEST(Nmt, ServicesWorkInTheirStatesOnly) {
 
 TEST(Nmt, ATransferDoesNotOutliveStop) {
   Bench bench;
-  bench.Play({{TX, "40 00 20 00"}, {RX, "41 00 20 00 25"}});
+  bench.Play("> 40 00 20 00 < 41 00 20 00 25");
   bench.Feed("000 02 00");
   bench.Feed("000 80 00");
-  bench.Play({{TX, "60"}, {RX, "80 00 00 00 01 00 04 05"}});
+  bench.Play("> 60 < 80 00 00 00 01 00 04 05");
 }
 
 TEST(Nmt, ResetsGiveTheirObjectsTheFirstValues) {
@@ -221,16 +221,16 @@ TEST(Emergency, MessagesRegisterAndHistory) {
   EXPECT_FALSE(bench.device.RaiseError({0x2310, 0x02, {}}));  // it is there already
   EXPECT_TRUE(bench.device.RaiseError({0x4210, 0x08, {}}));
   EXPECT_EQ(bench.Sent(), (Texts{"085 10 23 03 01 02 03 04 05", "085 10 42 0B 00 00 00 00 00"}));
-  bench.Play({{TX, "40 03 10 00"}, {RX, "4F 03 10 00 02"}});
-  bench.Play({{TX, "40 03 10 01"}, {RX, "43 03 10 01 10 42 00 00"}});
-  bench.Play({{TX, "40 03 10 02"}, {RX, "43 03 10 02 10 23 01 02"}});
-  bench.Play({{TX, "40 03 10 03"}, {RX, "80 03 10 03 24 00 00 08"}});
+  bench.Play("> 40 03 10 00 < 4F 03 10 00 02");
+  bench.Play("> 40 03 10 01 < 43 03 10 01 10 42 00 00");
+  bench.Play("> 40 03 10 02 < 43 03 10 02 10 23 01 02");
+  bench.Play("> 40 03 10 03 < 80 03 10 03 24 00 00 08");
   EXPECT_TRUE(bench.device.ClearError(0x2310));
   EXPECT_FALSE(bench.device.ClearError(0x2310));
   EXPECT_TRUE(bench.device.ClearError(0x4210));
   EXPECT_EQ(bench.Sent(), (Texts{"085 00 00 09 00 00 00 00 00", "085 00 00 00 00 00 00 00 00"}));
   bench.Download({0x1003, 0}, 0, 1);
-  bench.Play({{TX, "40 03 10 01"}, {RX, "80 03 10 01 24 00 00 08"}});
+  bench.Play("> 40 03 10 01 < 80 03 10 01 24 00 00 08");
 }
 
 TEST(Emergency, TheHistoryKeepsTheLatest) {

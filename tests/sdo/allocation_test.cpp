@@ -1,12 +1,16 @@
 // Counts what the engine allocates, and lets allocations fail. The counting operator new is this program's
 // own.
 
+#include <array>
 #include <cstdlib>
 #include <new>
+#include <span>
+#include <utility>
 
+#include "host/devices/device.h"
+#include "host/devices/profile.h"
 #include "sdo/engine/driver.h"
 #include "tests/sdo/engine_owner.h"
-#include "tests/sdo/test_server.h"
 
 namespace {
 
@@ -52,59 +56,78 @@ namespace {
 
 using namespace NSdo;
 
-/// Allocations within the engine's functions while a transfer runs from start to end.
-long AllocationsOf(Kind kind, std::uint32_t size, std::uint32_t cobIdRx, std::uint32_t cobIdTx) {
-  struct Wire {
-    SdoFrame frames[200];
-    int count = 0;
-  } wire;
-  SdoEngine engine;
-  engine.hooks.owner = &wire;
-  engine.hooks.transmit = [](void* self, const SdoFrame& frame) {
-    auto& to = *static_cast<Wire*>(self);
-    to.frames[to.count++] = frame;
-    return SdoSent::Accepted;
-  };
-  SdoOpen(engine, 127);
-  TestServer server({.tellsSize = false, .capacity = size});
-  Bytes buffer = Counting(size);
-  server.object = buffer;
-  const std::uint16_t block = kind == Kind::BlockUpload || kind == Kind::BlockDownload;
-  const bool upload = kind == Kind::Upload || kind == Kind::BlockUpload;
+// An engine and a simulated device on the same wire, whatever COB-IDs the engine uses.
+class Wire final : private NDevices::FrameSink {
+ public:
+  Wire(std::uint32_t cobIdRx, std::uint32_t cobIdTx)
+      : mCobIdRx(cobIdRx), mCobIdTx(cobIdTx), mDevice({}, NDevices::IoDeviceObjects(1), *this) {
+    mEngine.hooks.owner = this;
+    mEngine.hooks.transmit = [](void* self, const SdoFrame& frame) {
+      auto& wire = *static_cast<Wire*>(self);
+      wire.mRequests.at(wire.mCount++) = frame;
+      return SdoSent::Accepted;
+    };
+    SdoOpen(mEngine, 127);
+    mDevice.PowerOn({});
+  }
 
-  long counted = -gAllocations;
-  if (upload) {
-    SdoRead(engine, 5, 0x2000, 1, buffer.data(), size, cobIdRx, cobIdTx, 0, block);
-  } else {
-    SdoWrite(engine, 5, 0x2000, 1, buffer.data(), size, cobIdRx, cobIdTx, 0, block);
+  /// Allocations within the engine's functions while a transfer runs from start to end.
+  long AllocationsOf(Kind kind, std::uint32_t size) {
+    Bytes buffer(size);
+    EXPECT_EQ(mDevice.SetValue({0x2002, 0}, buffer, {}), NDevices::AbortCode::None);
+    mCounted = -gAllocations;
+    Start(kind, buffer);
+    mCounted += gAllocations;
+    while (!mEngine.finished && mCount != 0) Exchange();
+    EXPECT_TRUE(mEngine.finished && mEngine.succeeded);
+    return mCounted;
   }
-  counted += gAllocations;
-  while (!engine.finished) {
-    for (int i = 0; i < wire.count; ++i) {
-      wire.frames[i].identifier = kRequestCobId;
-      wire.frames[i].flags = 8;
-      server.Take(wire.frames[i]);
-    }
-    wire.count = 0;
-    for (; !server.answers.empty(); server.answers.pop_front()) {
-      SdoFrame answer = server.answers.front();
-      answer.identifier = cobIdRx & kCobIdIdentifier;
-      if ((cobIdRx & kCobIdExtended) != 0) answer.flags |= NSdk::kFrameExtended;
-      counted -= gAllocations;
-      SdoFeed(engine, answer);
-      SdoTick(engine);
-      counted += gAllocations;
+
+ private:
+  void Send(const NSdk::CanFrame& frame) override {
+    if (frame.identifier == 0x581) mAnswers.push_back(frame);
+  }
+
+  void Start(Kind kind, Bytes& buffer) {
+    const auto size = static_cast<std::uint32_t>(buffer.size());
+    const std::uint16_t block = kind == Kind::BlockUpload || kind == Kind::BlockDownload;
+    if (kind == Kind::Upload || kind == Kind::BlockUpload) {
+      SdoRead(mEngine, 1, 0x2002, 0, buffer.data(), size, mCobIdRx, mCobIdTx, 0, block);
+    } else {
+      SdoWrite(mEngine, 1, 0x2002, 0, buffer.data(), size, mCobIdRx, mCobIdTx, 0, block);
     }
   }
-  EXPECT_TRUE(engine.succeeded);
-  return counted;
-}
+
+  void Exchange() {
+    for (SdoFrame& request : std::span(mRequests).first(std::exchange(mCount, 0))) {
+      request.identifier = 0x601;
+      request.flags = 8;
+      mDevice.OnFrame(request, {});
+    }
+    for (SdoFrame& answer : std::exchange(mAnswers, {})) {
+      answer.identifier = mCobIdRx & kCobIdIdentifier;
+      if ((mCobIdRx & kCobIdExtended) != 0) answer.flags |= NSdk::kFrameExtended;
+      mCounted -= gAllocations;
+      SdoFeed(mEngine, answer);
+      SdoTick(mEngine);
+      mCounted += gAllocations;
+    }
+  }
+
+  const std::uint32_t mCobIdRx, mCobIdTx;
+  std::array<SdoFrame, 200> mRequests;
+  std::size_t mCount = 0;
+  std::vector<SdoFrame> mAnswers;
+  long mCounted = 0;
+  NDevices::Device mDevice;
+  SdoEngine mEngine;
+};
 
 TEST(SdoAllocation, NoneDuringATransfer) {
   for (const Kind kind : {Kind::Upload, Kind::Download, Kind::BlockUpload, Kind::BlockDownload}) {
     for (const std::uint32_t size : {4u, 20000u}) {
-      EXPECT_EQ(AllocationsOf(kind, size, kResponseCobId, kRequestCobId), 0);
-      EXPECT_EQ(AllocationsOf(kind, size, 0x3ABCDEF0, 0x3ABCDEF1), 0) << "29-bit identifiers";
+      EXPECT_EQ(Wire(kResponseCobId, kRequestCobId).AllocationsOf(kind, size), 0);
+      EXPECT_EQ(Wire(0x3ABCDEF0, 0x3ABCDEF1).AllocationsOf(kind, size), 0) << "29-bit identifiers";
     }
   }
 }

@@ -68,16 +68,17 @@ void Owner::Ticks(int count) {
   for (; count > 0; --count) SdoTick(engine);
 }
 
-void Owner::Play(std::initializer_list<Line> script) { Play(std::vector<Line>(script)); }
-
-void Owner::Play(const std::vector<Line>& script) {
-  for (const Line& line : script) {
-    if (line.direction == TX) {
-      ExpectSent(line.bytes);
+void Owner::Play(const std::string& script) {
+  for (std::size_t place = 0; place < script.size();) {
+    const std::size_t next = std::min(script.find_first_of("<>", place + 1), script.size());
+    const std::string bytes = script.substr(place + 1, next - place - 1);
+    if (script[place] == '>') {
+      ExpectSent(bytes);
     } else {
       ASSERT_TRUE(sent.empty()) << "not in the script: " << Text(sent.front());
-      Feed(line.bytes);
+      Feed(bytes);
     }
+    place = next;
   }
   EXPECT_TRUE(sent.empty()) << "not in the script: " << Text(sent.front());
 }

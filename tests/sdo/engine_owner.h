@@ -4,9 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <deque>
-#include <initializer_list>
-#include <optional>
-#include <ostream>
 #include <string>
 #include <vector>
 
@@ -18,14 +15,6 @@ using Bytes = std::vector<std::uint8_t>;
 
 inline constexpr std::uint32_t kResponseCobId = 0x585;
 inline constexpr std::uint32_t kRequestCobId = 0x605;
-
-enum Direction { TX, RX };
-
-/// One frame of a script, as a trace shows it: "40 17 10 00". Bytes that are left out are 0.
-struct Line {
-  Direction direction;
-  const char* bytes;
-};
 
 NSdo::SdoFrame Frame(std::uint32_t cobId, const std::string& bytes);
 std::string Text(const NSdo::SdoFrame& frame);
@@ -42,9 +31,9 @@ struct Owner {
   void Start(Kind kind, std::uint32_t size, std::uint16_t timeoutMs = 0);
   void Feed(const std::string& bytes);
   void Ticks(int count);
-  /// Feeds RX lines, expects TX lines, and expects that nothing else was sent.
-  void Play(std::initializer_list<Line> script);
-  void Play(const std::vector<Line>& script);
+  /// "> 40 17 10 00 < 4B 17 10 00 F4 01": expects the first to be sent, feeds the second, and so on; nothing
+  /// else may be sent.
+  void Play(const std::string& script);
   void ExpectSent(const std::string& bytes);
   void ExpectAbort(std::uint32_t code);
   std::uint32_t AbortCode() const { return NSdo::SdoResultOf(engine).abortCode; }
