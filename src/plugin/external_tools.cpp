@@ -5,9 +5,9 @@
 
 #include "com/task_text.h"
 #include "common/host_application.h"
+#include "common/host_library.h"
 #include "common/text.h"
 #include "common/user_messages.h"
-#include "plugin/module_files.h"
 #include "resources/resource_ids.h"
 #include "resources/text.h"
 
@@ -26,7 +26,9 @@ std::uint32_t Language() {
 }
 
 // Beside the folder of the host's program; ends with a separator.
-std::filesystem::path ToolFolder() { return HostProgram().parent_path().parent_path() / "CANopen" / ""; }
+std::filesystem::path ToolFolder() {
+  return NCommon::HostProgram().parent_path().parent_path() / "CANopen" / "";
+}
 
 // Folder of the open configuration when the configurator has left its file there, else empty.
 std::filesystem::path ConfiguratorFolder() {

@@ -3,8 +3,9 @@
 #include <fmt/printf.h>
 #include <fmt/xchar.h>
 
+#include "common/host_library.h"
 #include "common/user_messages.h"
-#include "plugin/module_files.h"
+#include "plugin/language_library.h"
 #include "resources/resource_ids.h"
 #include "resources/text.h"
 
@@ -22,8 +23,8 @@ std::filesystem::path HelpFileOf(const std::filesystem::path& folder, std::uint3
 void UseLanguage(std::uint32_t language) {
   ReleaseLanguage();
   if (language == kOwnLanguage) return;
-  const std::wstring name = fmt::sprintf(L"Ostrel_%02d.%s", language, kLibraryExtension);
-  if (void* library = LoadLanguageLibrary(ModuleFile().parent_path() / name)) {
+  const std::wstring name = fmt::sprintf(L"Ostrel_%02d.%s", language, NCommon::kLibraryExtension);
+  if (void* library = LoadLanguageLibrary(NCommon::ModuleFile().parent_path() / name)) {
     NResources::SetLanguageLibrary(library);
   } else {
     NCommon::ShowUserMessage(fmt::sprintf(NResources::LoadText(IDS_LANGUAGE_MISSING), name),

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 
+#include "channels/channel_manager.h"
 #include "com/task_text.h"
 #include "common/host_application.h"
 #include "common/user_messages.h"
@@ -35,22 +36,22 @@ std::vector<HostNetwork> SimulationNetworks(NSdk::ISimulationSetup& setup) {
   return networks;
 }
 
-std::vector<HostNetwork> CanChannels(NSdk::IConfigurationService& configuration) {
+std::vector<HostNetwork> CanChannels() {
+  NChannels::ZChannelManager& channels = NChannels::TheChannelManager();
+  channels.Refresh();
   std::vector<HostNetwork> networks;
-  std::uint32_t channel = 0;
-  for (std::uint32_t index = 1; configuration.GetCanChannel(index, &channel) == S_OK; ++index) {
-    networks.push_back({fmt::sprintf(L"CAN%d", channel), channel});
+  const std::uint32_t count = channels.ChannelCount();
+  for (std::uint32_t position = 0; position < count; ++position) {
+    const std::uint32_t number = channels.At(position).number;
+    networks.push_back({fmt::sprintf(L"CAN%d", number), number});
   }
   return networks;
 }
 
 std::vector<HostNetwork> HostNetworks(bool simulated) {
-  if (simulated) {
-    const auto setup = NCommon::HostService<NSdk::ISimulationSetup>();
-    return setup ? SimulationNetworks(*setup) : std::vector<HostNetwork>();
-  }
-  const auto configuration = NCommon::HostService<NSdk::IConfigurationService>();
-  return configuration ? CanChannels(*configuration) : std::vector<HostNetwork>();
+  if (!simulated) return CanChannels();
+  const auto setup = NCommon::HostService<NSdk::ISimulationSetup>();
+  return setup ? SimulationNetworks(*setup) : std::vector<HostNetwork>();
 }
 
 bool HasSimulationSetup() {

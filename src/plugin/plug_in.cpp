@@ -1,12 +1,13 @@
 #include "plugin/plug_in.h"
 
+#include "channels/channel_manager.h"
 #include "com/entry.h"
 #include "com/task_text.h"
 #include "common/help_manager.h"
 #include "common/host_application.h"
+#include "common/host_library.h"
 #include "common/text.h"
 #include "plugin/language.h"
-#include "plugin/module_files.h"
 #include "plugin/nmt_dispatch.h"
 #include "plugin/version.h"
 #include "resources/resource_ids.h"
@@ -100,7 +101,7 @@ HRESULT ZPlugIn::Initialise(NSdk::IHostApplication* application) {
     if (!application) return;
     const std::uint32_t language = Language(*application);
     UseLanguage(language);
-    NCommon::SetHelpFile(FindHelpFile(ModuleFile(), language));
+    NCommon::SetHelpFile(FindHelpFile(NCommon::ModuleFile(), language));
     AddCommands();
     FollowHost();
     RegisterBlockTypes(*application);
@@ -133,6 +134,7 @@ void ZPlugIn::Unbind() {
   mHostEvents.Reset();
   if (mRegistry) mRegistry->Unadvise(mRegistryCookie);
   mRegistry.Reset();
+  NChannels::ReleaseChannelManager();
   ReleaseLanguage();
   NCommon::SetHelpFile({});
   NCommon::SetHostApplication(nullptr);

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "plugin/module_files.h"
+#include "common/host_library.h"
 #include "plugin/version.h"
 
 namespace NPlugin {
@@ -21,7 +21,7 @@ std::wstring Text(const std::vector<std::byte>& resource, const wchar_t* name) {
 }  // namespace
 
 Version ReadVersion() {
-  const std::wstring file = ModuleFile().wstring();
+  const std::wstring file = NCommon::ModuleFile().wstring();
   const DWORD size = GetFileVersionInfoSizeW(file.c_str(), nullptr);
   std::vector<std::byte> resource(size);
   void* fixed = nullptr;

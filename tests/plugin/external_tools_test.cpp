@@ -4,9 +4,9 @@
 
 #include "com/task_text.h"
 #include "common/host_application.h"
+#include "common/host_library.h"
 #include "plugin/external_tools.h"
 #include "plugin/language.h"
-#include "plugin/module_files.h"
 #include "tests/ig/fake_host.h"
 
 namespace NTest {
@@ -58,7 +58,7 @@ class ExternalTools : public testing::Test {
   }
 
   const std::filesystem::path folder = std::filesystem::temp_directory_path() / "ostrel tools test";
-  const std::filesystem::path tools = NPlugin::HostProgram().parent_path().parent_path() / "CANopen" / "";
+  const std::filesystem::path tools = NCommon::HostProgram().parent_path().parent_path() / "CANopen" / "";
   NCom::ComPtr<ToolHost> host = NCom::Make<ToolHost>();
   std::size_t failures = 0;
   std::vector<std::string> starts;

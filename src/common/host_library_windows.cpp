@@ -3,9 +3,9 @@
 #include <string>
 
 #include "com/module_scope.h"
-#include "plugin/module_files.h"
+#include "common/host_library.h"
 
-namespace NPlugin {
+namespace NCommon {
 namespace {
 
 std::filesystem::path FileOf(HMODULE module) {
@@ -29,11 +29,16 @@ const wchar_t kLibraryExtension[] = L"dll";
 std::filesystem::path ModuleFile() { return FileOf(static_cast<HMODULE>(NCom::ModuleHandle())); }
 std::filesystem::path HostProgram() { return FileOf(nullptr); }
 
-// Nothing in it is run.
-void* LoadLanguageLibrary(const std::filesystem::path& file) {
-  return LoadLibraryExW(file.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE | LOAD_LIBRARY_AS_IMAGE_RESOURCE);
+HostLibrary::HostLibrary(const std::wstring& name)
+    : mFile(HostProgram().parent_path() / (name + L"." + kLibraryExtension)),
+      mHandle(LoadLibraryW(mFile.c_str())) {}
+
+HostLibrary::~HostLibrary() {
+  if (mHandle) FreeLibrary(static_cast<HMODULE>(mHandle));
 }
 
-void FreeLanguageLibrary(void* library) { FreeLibrary(static_cast<HMODULE>(library)); }
+HostLibrary::Address HostLibrary::FindAddress(const char* name) const {
+  return reinterpret_cast<Address>(GetProcAddress(static_cast<HMODULE>(mHandle), name));
+}
 
-}  // namespace NPlugin
+}  // namespace NCommon
