@@ -79,6 +79,7 @@ class Player final : private NRuntime::MeasurementObserver, private GeneratorLis
   std::string mFailedItem;    // until the message comes that says why
   bool mCyclicAsked = false;  // by the user, and there is something to send
   bool mEndedByUser = false;
+  bool mWaitsForFrames = false;  // nothing more is sent, but a slow bus has not taken all of it
 };
 
 Player::Player(const PlayOptions& options)
@@ -166,7 +167,9 @@ void Player::WaitForEnd() {
 
 void Player::EndWhenIdle() {
   mHost.Loop().Post([this] {
-    if (IsIdle()) mHost.Loop().Stop();
+    if (!IsIdle()) return;
+    mWaitsForFrames = mHost.Measurement().IsSending();
+    if (!mWaitsForFrames) mHost.Loop().Stop();
   });
 }
 
@@ -212,6 +215,7 @@ void Player::TakeNodes() {
 }
 
 void Player::OnFrame(const NRuntime::SeenFrame& seen) {
+  if (mWaitsForFrames) EndWhenIdle();
   WriteLog(seen);
   if (seen.direction == NSdk::kCanTransmitted) ++mTally.framesSent;
   if (!mOptions.liveTable) mFoot.Clear();  // nothing is written above a table

@@ -26,6 +26,11 @@ bool BusTraffic::Queue(VirtualPort& port, const NSdk::CanFrame& frame) {
   return true;
 }
 
+bool BusTraffic::IsSending(const VirtualPort& port) const {
+  return std::any_of(mSenders.begin(), mSenders.end(),
+                     [&](const Sender& sender) { return sender.port == &port && !sender.frames.empty(); });
+}
+
 BusTraffic::Sender& BusTraffic::SenderOf(VirtualPort& port) {
   const auto known = std::find_if(mSenders.begin(), mSenders.end(),
                                   [&](const Sender& sender) { return sender.port == &port; });

@@ -28,6 +28,7 @@ class BusTraffic {
 
   /// False: the port has too many frames waiting, and this one is given up.
   bool Queue(VirtualPort& sender, const NSdk::CanFrame& frame);
+  bool IsSending(const VirtualPort& port) const;
   /// What the port has queued still leaves.
   void Leave(const VirtualPort& sender);
 

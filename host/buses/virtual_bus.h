@@ -31,6 +31,7 @@ class VirtualBus {
   void Leave(VirtualPort& port);
   /// False: too many frames of this port wait for the bus.
   bool Send(VirtualPort& sender, const NSdk::CanFrame& frame);
+  bool IsSending(const VirtualPort& port) const { return mTraffic && mTraffic->IsSending(port); }
 
  private:
   void Deliver(VirtualPort* sender, const NSdk::CanFrame& frame, NRuntime::Time time);
@@ -49,6 +50,7 @@ class VirtualPort final : public NRuntime::CanAdapter {
   void Open(NRuntime::CanAdapterEvents& events) override;
   void Close() override;
   void Send(const NSdk::CanFrame& frame) override;
+  bool IsSending() const override { return mBus->IsSending(*this); }
 
  private:
   friend class VirtualBus;

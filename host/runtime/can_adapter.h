@@ -34,6 +34,8 @@ class CanAdapter {
   virtual void Close() = 0;
   /// Queues a frame behind those sent before. Its fields have been checked.
   virtual void Send(const NSdk::CanFrame& frame) = 0;
+  /// Do frames wait of which it is known that they will be reported as sent?
+  virtual bool IsSending() const { return false; }
 };
 
 }  // namespace NRuntime

@@ -181,6 +181,11 @@ void Measurement::CloseChannels() {
   for (const auto& port : mPorts) port->Adapter().Close();
 }
 
+bool Measurement::IsSending() const {
+  return std::any_of(mPorts.begin(), mPorts.end(),
+                     [](const auto& port) { return port->Adapter().IsSending(); });
+}
+
 Time Measurement::Elapsed() const { return mRun ? mLoop.Now() - mRun->start : Time::zero(); }
 
 void Measurement::Seen(std::uint32_t channel, const NSdk::CanFrame& frame, Time time,

@@ -53,6 +53,8 @@ class Measurement {
   void Stop();
 
   bool IsRunning() const { return mRun != nullptr; }
+  /// Does a channel have frames on their way that are still to be seen?
+  bool IsSending() const;
   /// Since the start of the measurement, zero when none runs.
   Time Elapsed() const;
 

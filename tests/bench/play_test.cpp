@@ -141,6 +141,11 @@ TEST_F(Play, TransfersWithASimulatedDeviceAreOfEveryKind) {
                                          "expedited download 4 aborted \"06010002\""));
 }
 
+TEST_F(Play, ASlowBusTakesAllThatWasSent) {
+  const auto outcome = Run(std::string(kSync) + kSync + kSync, "", "--can 1=virtual,bitrate=1000");
+  EXPECT_THAT(outcome.output, HasSubstr("3 items, 3 frames, 0.1"));
+}
+
 TEST_F(Play, ADeviceMisbehavesAsItIsTold) {
   const auto outcome =
       Run(R"(<SDO NodeID="5" Index="0x1000" Upload="1" COBIDTx="0x605" COBIDRx="0x585" Enabled="1"/>)", "",
