@@ -30,8 +30,9 @@ const std::vector<BusFactory::Kind>& BusFactory::Kinds() {
     std::vector<Kind> all = {
         {"virtual",
          "virtual[:NAME]",
-         "a bus inside this program; channels with the same NAME share it;\n"
-         "                         option bitrate=BPS: frames take their time on it",
+         "a bus inside this program, shared by channels with\n"
+         "                         the same NAME; option bitrate=BPS: frames take\n"
+         "                         their time on it",
          {"bitrate"},
          &BusFactory::MakeVirtual},
         {"replay",
@@ -47,7 +48,8 @@ const std::vector<BusFactory::Kind>& BusFactory::Kinds() {
          &BusFactory::MakeSocketCan},
         {"socketcand",
          "socketcand:HOST/IFACE",
-         "an interface of another machine; HOST may be HOST:PORT",
+         "an interface of another machine; HOST may be\n"
+         "                         HOST:PORT",
          {},
          &BusFactory::MakeSocketcand},
     };

@@ -26,6 +26,7 @@ constexpr std::chrono::milliseconds kTimeToConnect = 5s;
 constexpr Time kFirstPause = 250ms, kLongestPause = 5s;  // between attempts
 constexpr Time kSilence = 5s;                            // then the server is asked whether it is still there
 constexpr std::size_t kMostPending = 10000;              // frames
+constexpr std::size_t kLargestPiece = 1400;              // bytes
 
 std::string Seconds(Time time) {
   char text[32];
@@ -98,6 +99,7 @@ class SocketcandClient::Connection : public std::enable_shared_from_this<Connect
   void Say(const std::string& command);
   void WaitUntilWritable();
   void WritePending();
+  void TakeWritten(std::size_t size);
   void Lose(const std::string& reason);
   void OnAlarm();
   void GiveUp(const std::string& why);
@@ -292,8 +294,6 @@ void SocketcandClient::Connection::Say(const std::string& command) {
   asio::write(mSocket, asio::buffer(command), error);
 }
 
-// Each command is written with a call of its own: some servers close a connection when a read ends inside
-// one.
 void SocketcandClient::Connection::Send(const NSdk::CanFrame& frame) {
   if ((frame.flags & NSdk::kFrameRemote) != 0) {
     if (!std::exchange(mWasRemote, true)) {
@@ -307,7 +307,10 @@ void SocketcandClient::Connection::Send(const NSdk::CanFrame& frame) {
   }
   if (mPending.size() >= kMostPending) return GiveUp("does not take frames as fast as they are sent");
   mPending.push_back({frame, SendMessage(frame)});
-  if (mPending.size() == 1) WritePending();
+  if (mPending.size() > 1) return;
+  mLoop.Post([self = shared_from_this(), attempt = mAttempt] {
+    if (self->mEvents && attempt == self->mAttempt) self->WritePending();
+  });
 }
 
 void SocketcandClient::Connection::GiveUp(const std::string& why) {
@@ -322,22 +325,37 @@ void SocketcandClient::Connection::WaitUntilWritable() {
                      });
 }
 
-// What is told of a frame may send another, or close the connection.
+// What one turn of the loop has sent leaves together, in pieces that fit into a packet: some servers close a
+// connection when a read ends inside a command.
 void SocketcandClient::Connection::WritePending() {
   const auto kept = shared_from_this();
   while (mEvents && mStage == Stage::Running && !mPending.empty()) {
+    std::string piece;
+    for (const Pending& pending : mPending) {
+      if (!piece.empty() && piece.size() + pending.text.size() > kLargestPiece) break;
+      piece += pending.text;
+    }
     std::error_code error;
-    std::string& text = mPending.front().text;
-    const std::size_t size = mSocket.write_some(asio::buffer(text), error);
+    const std::size_t size = mSocket.write_some(asio::buffer(piece), error);
     if (error == asio::error::would_block) return WaitUntilWritable();
     if (error) return Lose(error.message());
-    text.erase(0, size);
-    if (!text.empty()) continue;
-    const NSdk::CanFrame frame = mPending.front().frame;
-    mPending.pop_front();
-    mEvents->OnSent(frame, mLoop.Now());
+    TakeWritten(size);
   }
   if (mPending.empty()) mIsFull = false;
+}
+
+// What is told of a frame may send another, or close the connection.
+void SocketcandClient::Connection::TakeWritten(std::size_t size) {
+  std::vector<NSdk::CanFrame> written;
+  while (!mPending.empty() && size >= mPending.front().text.size()) {
+    size -= mPending.front().text.size();
+    written.push_back(mPending.front().frame);
+    mPending.pop_front();
+  }
+  if (size != 0) mPending.front().text.erase(0, size);
+  for (const NSdk::CanFrame& frame : written) {
+    if (mEvents) mEvents->OnSent(frame, mLoop.Now());
+  }
 }
 
 void SocketcandClient::Connection::Lose(const std::string& reason) {

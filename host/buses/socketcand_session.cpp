@@ -9,7 +9,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr NRuntime::Time kTimeToOpen = 60s;
+constexpr NRuntime::Time kTimeToOpen = 60s, kTimeToEnd = 1s;
 // A client in wide use takes whatever comes in one read with an `< ok >` for the reply.
 constexpr NRuntime::Time kHoldBack = 20ms;
 constexpr std::size_t kLargestOutput = 4 * 1024 * 1024;  // a second of 50 000 frames takes 3 MB
@@ -28,11 +28,7 @@ SocketcandSession::SocketcandSession(NRuntime::AsioLoop& loop, asio::ip::tcp::so
       mSocket(std::move(socket)),
       mServer(&server),
       mName(PeerName(mSocket)),
-      mAlarm(loop.MakeAlarm([this] {
-        if (mStage != Stage::Raw) return EndWithMessage("no bus was opened", "it does not open a bus");
-        mIsHeldBack = false;
-        Flush();
-      })) {
+      mAlarm(loop.MakeAlarm([this] { OnAlarm(); })) {
   std::error_code ignored;
   mSocket.non_blocking(true, ignored);
   mSocket.set_option(asio::ip::tcp::no_delay(true), ignored);
@@ -45,24 +41,34 @@ void SocketcandSession::Start() {
   Read();
 }
 
+void SocketcandSession::OnAlarm() {
+  if (mStage == Stage::Ending) return End();
+  if (mStage != Stage::Raw) return EndWithMessage("no bus was opened", "it does not open a bus");
+  mIsHeldBack = false;
+  Flush();
+}
+
 void SocketcandSession::Read() {
   mSocket.async_read_some(asio::buffer(mBuffer),
                           [self = shared_from_this()](const std::error_code& error, std::size_t size) {
                             if (self->mStage == Stage::Gone) return;
-                            if (error) return self->End({});
+                            if (error) return self->End();
                             self->mStream.Add({self->mBuffer.data(), size});
                             self->TakeMessages();
                             if (self->mStage != Stage::Gone) self->Read();
                           });
 }
 
+// What still comes while the session ends is read and dropped.
 void SocketcandSession::TakeMessages() {
-  while (mStage != Stage::Gone) {
+  while (mStage < Stage::Ending) {
     const auto words = mStream.Next();
     if (!words) break;
     OnMessage(*words);
   }
-  if (mStage != Stage::Gone && mStream.IsTooLong()) {
+  if (mStage >= Stage::Ending) {
+    mStream = SocketcandStream();
+  } else if (mStream.IsTooLong()) {
     EndWithMessage("command too long", "a command is too long");
   }
 }
@@ -105,9 +111,10 @@ void SocketcandSession::Deliver(const std::string& message) {
 
 // Messages of one turn of the loop leave together.
 void SocketcandSession::Write(std::string_view message) {
-  if (mStage == Stage::Gone) return;
+  if (mStage >= Stage::Ending) return;
   if (mWaiting.size() + mWriting.size() + message.size() > kLargestOutput) {
-    return End("it does not keep up");
+    mFault = "it does not keep up";
+    return End();
   }
   mWaiting.append(message);
   FlushSoon();
@@ -130,29 +137,39 @@ void SocketcandSession::Flush() {
                       self->mIsWriting = false;
                       self->mWriting.clear();
                       if (self->mStage == Stage::Gone) return;
-                      if (error) return self->End({});
+                      if (error) return self->End();
                       self->Flush();
+                      self->EndWhenWritten();
                     });
 }
 
 void SocketcandSession::Refuse(const std::string& message) {
   mServer = nullptr;
+  Read();
   EndWithMessage(message, {});
 }
 
+// The client is left time to read the message: closed at once, the connection could be reset before it has.
 void SocketcandSession::EndWithMessage(const std::string& message, const std::string& fault) {
-  const auto kept = shared_from_this();
-  std::error_code ignored;
-  if (!mIsWriting) mSocket.write_some(asio::buffer(mWaiting + "< error " + message + " >"), ignored);
-  mSocket.shutdown(asio::ip::tcp::socket::shutdown_send, ignored);
-  End(fault);
+  Write("< error " + message + " >");
+  if (mStage == Stage::Gone) return;
+  mStage = Stage::Ending;
+  mFault = fault;
+  mIsHeldBack = false;
+  mAlarm->SetFor(mLoop.Now() + kTimeToEnd);
+  Flush();
 }
 
-void SocketcandSession::End(const std::string& fault) {
+void SocketcandSession::EndWhenWritten() {
+  std::error_code ignored;
+  if (mStage == Stage::Ending && !mIsWriting) mSocket.shutdown(asio::ip::tcp::socket::shutdown_send, ignored);
+}
+
+void SocketcandSession::End() {
   if (mStage == Stage::Gone) return;
   const auto kept = shared_from_this();
   Close();
-  if (mServer) mServer->OnGone(*this, fault);
+  if (mServer) mServer->OnGone(*this, mFault);
 }
 
 void SocketcandSession::Close() {

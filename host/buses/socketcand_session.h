@@ -46,7 +46,7 @@ class SocketcandSession : public std::enable_shared_from_this<SocketcandSession>
   const std::string& Name() const { return mName; }
 
  private:
-  enum class Stage { Greeted, Opened, Raw, Gone };
+  enum class Stage { Greeted, Opened, Raw, Ending, Gone };
 
   void Read();
   void TakeMessages();
@@ -56,8 +56,10 @@ class SocketcandSession : public std::enable_shared_from_this<SocketcandSession>
   void Write(std::string_view message);
   void FlushSoon();
   void Flush();
-  void End(const std::string& fault);
   void EndWithMessage(const std::string& message, const std::string& fault);
+  void EndWhenWritten();
+  void End();
+  void OnAlarm();
 
   NRuntime::AsioLoop& mLoop;
   asio::ip::tcp::socket mSocket;
@@ -66,6 +68,7 @@ class SocketcandSession : public std::enable_shared_from_this<SocketcandSession>
   const std::unique_ptr<NRuntime::Alarm> mAlarm;
   Stage mStage = Stage::Greeted;
   std::size_t mBus = 0;
+  std::string mFault;  // for which the session is ended
   SocketcandStream mStream;
   std::array<char, 4096> mBuffer;
   std::string mWaiting;  // to be written

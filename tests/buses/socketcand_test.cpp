@@ -164,6 +164,7 @@ TEST_F(Socketcand, AConnectionThatIsLostIsMadeAgain) {
   EXPECT_THAT(one.troubles, ElementsAre(HasSubstr("the connection is lost ("),
                                         HasSubstr("s; 2 frames could not be sent; what others sent")));
   client->Send({0x125, {}, 0});
+  EXPECT_TRUE(RunUntil([&] { return !one.sent.empty(); }));
   EXPECT_THAT(one.sent, ElementsAre("125#"));
 }
 
