@@ -1,67 +1,8 @@
 #include "tests/devices/bench.h"
 
-#include <cstdio>
-#include <numeric>
-#include <sstream>
-
 namespace NDevicesTest {
 
 using NDevices::ObjectAddress;
-
-NSdk::CanFrame Frame(const std::string& text) {
-  std::istringstream stream(text);
-  NSdk::CanFrame frame;
-  std::string word;
-  stream >> word;
-  frame.identifier = static_cast<std::uint32_t>(std::stoul(word, nullptr, 16));
-  if (word.size() == 8) frame.flags |= NSdk::kFrameExtended;
-  std::uint32_t length = 0;
-  while (stream >> word) {
-    if (word == "R") {
-      frame.flags |= NSdk::kFrameRemote;
-    } else {
-      frame.data[length++] = static_cast<std::uint8_t>(std::stoul(word, nullptr, 16));
-    }
-  }
-  frame.flags |= length;
-  return frame;
-}
-
-std::string Text(const NSdk::CanFrame& frame) {
-  char text[16];
-  std::snprintf(text, sizeof text, (frame.flags & NSdk::kFrameExtended) != 0 ? "%08X" : "%03X",
-                frame.identifier);
-  const std::uint32_t length = frame.flags & NSdk::kFrameDlcMask;
-  std::string all = text;
-  if (length > 0) all.append(" ").append(Hex(Bytes(frame.data, frame.data + length)));
-  return all;
-}
-
-std::string Hex(const Bytes& bytes) {
-  std::string all;
-  for (const std::uint8_t byte : bytes) {
-    char text[8];
-    std::snprintf(text, sizeof text, "%02X", byte);
-    all.append(all.empty() ? "" : " ").append(text);
-  }
-  return all;
-}
-
-Bytes Counting(std::size_t size) {
-  Bytes bytes(size);
-  std::iota(bytes.begin(), bytes.end(), std::uint8_t{1});
-  return bytes;
-}
-
-namespace {
-
-NSdk::CanFrame SdoFrame(const std::string& identifier, const std::string& bytes) {
-  NSdk::CanFrame frame = Frame(identifier + " " + bytes);
-  frame.flags = 8;
-  return frame;
-}
-
-}  // namespace
 
 Bench::Bench(NDevices::DeviceOptions options)
     : device(options, NDevices::IoDeviceObjects(options.nodeId), *this) {
@@ -71,7 +12,7 @@ Bench::Bench(NDevices::DeviceOptions options)
 
 void Bench::Send(const NSdk::CanFrame& frame) { sent.push_back({frame, now}); }
 
-void Bench::Request(const std::string& bytes) { device.OnFrame(SdoFrame("605", bytes), now); }
+void Bench::Request(const std::string& bytes) { device.OnFrame(NTest::SdoFrame(0x605, bytes), now); }
 
 void Bench::RunFor(Time duration) {
   const Time end = now + duration;
@@ -84,20 +25,16 @@ void Bench::RunFor(Time duration) {
 }
 
 void Bench::Play(const std::string& script) {
-  for (std::size_t place = 0; place < script.size();) {
-    const std::size_t next = std::min(script.find_first_of("<>", place + 1), script.size());
-    const std::string bytes = script.substr(place + 1, next - place - 1);
-    const bool isRequest = script[place] == '>';
-    place = next;
-    if (isRequest) {
-      ASSERT_TRUE(sent.empty()) << "not in the script: " << Text(sent.front().frame);
-      Request(bytes);
-      continue;
-    }
+  const auto request = [this](const std::string& bytes) {
+    EXPECT_TRUE(sent.empty()) << "not in the script: " << Text(sent.front().frame);
+    Request(bytes);
+  };
+  const auto answer = [this](const std::string& bytes) {
     ASSERT_FALSE(sent.empty()) << "missing: " << bytes;
-    EXPECT_EQ(Text(sent.front().frame), Text(SdoFrame("585", bytes)));
+    EXPECT_EQ(Text(sent.front().frame), Text(NTest::SdoFrame(0x585, bytes)));
     sent.pop_front();
-  }
+  };
+  NTest::ForEachFrame(script, request, answer);
   EXPECT_TRUE(sent.empty()) << "not in the script: " << Text(sent.front().frame);
 }
 
@@ -123,7 +60,7 @@ void Bench::Download(ObjectAddress address, std::uint32_t value, std::size_t siz
   // The access may be an event that sends something itself.
   const std::string answer = abortCode == 0 ? "60 " + Hex(object) : "80 " + Hex(object) + " " + Hex(code);
   ASSERT_FALSE(sent.empty());
-  EXPECT_EQ(Text(sent.back().frame), Text(SdoFrame("585", answer)));
+  EXPECT_EQ(Text(sent.back().frame), Text(NTest::SdoFrame(0x585, answer)));
   sent.pop_back();
   sent.insert(sent.begin(), before.begin(), before.end());
 }

@@ -9,22 +9,19 @@
 
 #include "host/devices/device.h"
 #include "host/devices/profile.h"
+#include "tests/frames.h"
 
 namespace NDevicesTest {
 
 using namespace std::chrono_literals;
 using NDevices::Bytes;
 using NDevices::Time;
+using NTest::Counting;
+using NTest::Frame;
+using NTest::Hex;
+using NTest::Text;
 
 inline constexpr std::uint8_t kNode = 5;
-
-/// "605 40 17 10 00": identifier and data; "705 R": remote frame.
-NSdk::CanFrame Frame(const std::string& text);
-std::string Text(const NSdk::CanFrame& frame);
-/// "01 02 03"
-std::string Hex(const Bytes& bytes);
-/// 1, 2, 3, ...
-Bytes Counting(std::size_t size);
 
 /// A device with node-ID 5 and the built-in objects, powered on, its boot-up message taken off.
 class Bench final : public NDevices::FrameSink {
@@ -38,8 +35,7 @@ class Bench final : public NDevices::FrameSink {
   void Request(const std::string& bytes);
   /// Time passes; whatever is due on the way happens at its moment.
   void RunFor(Time duration);
-  /// "> 40 17 10 00 < 4B 17 10 00 F4 01": an SDO request and the answer to it, and so on; nothing else may be
-  /// sent. Bytes that are left out are 0.
+  /// Sends the requests of a script and expects the answers, and that nothing else is sent.
   void Play(const std::string& script);
 
   void Start() { Feed("000 01 00"); }

@@ -139,14 +139,6 @@ TEST(Heartbeat, BeginsAnewWhenItsTimeIsWritten) {
   EXPECT_EQ(bench.SentSince(start), (Texts{"140: 705 7F", "190: 705 7F"}));
 }
 
-TEST(Heartbeat, TheProcessMayStopIt) {
-  Bench bench;
-  bench.Download(kHeartbeatTime, 100, 2);
-  bench.SetNumber(kHeartbeatTime, 0);
-  bench.RunFor(1s);
-  EXPECT_TRUE(bench.sent.empty());
-}
-
 TEST(Guarding, AnswersAlternate) {
   Bench bench;
   for (const char* answer : {"705 7F", "705 FF", "705 7F", "705 FF", "705 7F"}) {

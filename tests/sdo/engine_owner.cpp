@@ -1,41 +1,8 @@
 #include "tests/sdo/engine_owner.h"
 
-#include <cstdio>
-#include <numeric>
-#include <sstream>
-
 namespace NSdoTest {
 
 using namespace NSdo;
-
-SdoFrame Frame(std::uint32_t cobId, const std::string& bytes) {
-  SdoFrame frame;
-  frame.identifier = cobId & 0x1FFFFFFF;
-  frame.flags = 8 | ((cobId & 0x20000000) != 0 ? NSdk::kFrameExtended : 0);
-  std::istringstream text(bytes);
-  unsigned value = 0;
-  for (std::uint8_t& byte : frame.data) {
-    if (text >> std::hex >> value) byte = static_cast<std::uint8_t>(value);
-  }
-  return frame;
-}
-
-std::string Text(const SdoFrame& frame) {
-  char text[64];
-  std::snprintf(text, sizeof text, "%X:", frame.identifier);
-  std::string all = text;
-  for (const std::uint8_t byte : frame.data) {
-    std::snprintf(text, sizeof text, " %02X", byte);
-    all += text;
-  }
-  return all;
-}
-
-Bytes Counting(std::size_t size) {
-  Bytes bytes(size);
-  std::iota(bytes.begin(), bytes.end(), std::uint8_t{1});
-  return bytes;
-}
 
 Owner::Owner(std::uint8_t blockSize) {
   engine.hooks.owner = this;
@@ -62,36 +29,31 @@ void Owner::Start(Kind kind, std::uint32_t size, std::uint16_t timeoutMs) {
   }
 }
 
-void Owner::Feed(const std::string& bytes) { SdoFeed(engine, Frame(kResponseCobId, bytes)); }
+void Owner::Feed(const std::string& bytes) { SdoFeed(engine, NTest::SdoFrame(kResponseCobId, bytes)); }
 
 void Owner::Ticks(int count) {
   for (; count > 0; --count) SdoTick(engine);
 }
 
 void Owner::Play(const std::string& script) {
-  for (std::size_t place = 0; place < script.size();) {
-    const std::size_t next = std::min(script.find_first_of("<>", place + 1), script.size());
-    const std::string bytes = script.substr(place + 1, next - place - 1);
-    if (script[place] == '>') {
-      ExpectSent(bytes);
-    } else {
-      ASSERT_TRUE(sent.empty()) << "not in the script: " << Text(sent.front());
-      Feed(bytes);
-    }
-    place = next;
-  }
+  const auto feed = [this](const std::string& bytes) {
+    EXPECT_TRUE(sent.empty()) << "not in the script: " << Text(sent.front());
+    Feed(bytes);
+  };
+  NTest::ForEachFrame(
+      script, [this](const std::string& bytes) { ExpectSent(bytes); }, feed);
   EXPECT_TRUE(sent.empty()) << "not in the script: " << Text(sent.front());
 }
 
 void Owner::ExpectSent(const std::string& bytes) {
   ASSERT_FALSE(sent.empty()) << "missing: " << bytes;
-  EXPECT_EQ(Text(sent.front()), Text(Frame(kRequestCobId, bytes)));
+  EXPECT_EQ(Text(sent.front()), Text(NTest::SdoFrame(kRequestCobId, bytes)));
   EXPECT_EQ(sent.front().flags, 8u);
   sent.pop_front();
 }
 
 void Owner::ExpectAbort(std::uint32_t code) {
-  SdoFrame frame = Frame(kRequestCobId, "80 00 20 01");
+  SdoFrame frame = NTest::SdoFrame(kRequestCobId, "80 00 20 01");
   for (int i = 0; i < 4; ++i) frame.data[4 + i] = static_cast<std::uint8_t>(code >> (8 * i));
   ASSERT_EQ(sent.size(), 1u);
   EXPECT_EQ(Text(sent.front()), Text(frame));

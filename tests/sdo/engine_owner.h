@@ -8,18 +8,16 @@
 #include <vector>
 
 #include "sdo/engine/client.h"
+#include "tests/frames.h"
 
 namespace NSdoTest {
 
-using Bytes = std::vector<std::uint8_t>;
+using NTest::Bytes;
+using NTest::Counting;
+using NTest::Text;
 
 inline constexpr std::uint32_t kResponseCobId = 0x585;
 inline constexpr std::uint32_t kRequestCobId = 0x605;
-
-NSdo::SdoFrame Frame(std::uint32_t cobId, const std::string& bytes);
-std::string Text(const NSdo::SdoFrame& frame);
-/// 1, 2, 3, ...
-Bytes Counting(std::size_t size);
 
 enum class Kind { Upload, Download, BlockUpload, BlockDownload };
 
@@ -31,8 +29,7 @@ struct Owner {
   void Start(Kind kind, std::uint32_t size, std::uint16_t timeoutMs = 0);
   void Feed(const std::string& bytes);
   void Ticks(int count);
-  /// "> 40 17 10 00 < 4B 17 10 00 F4 01": expects the first to be sent, feeds the second, and so on; nothing
-  /// else may be sent.
+  /// Expects the requests of a script and feeds the answers, and expects that nothing else is sent.
   void Play(const std::string& script);
   void ExpectSent(const std::string& bytes);
   void ExpectAbort(std::uint32_t code);

@@ -215,9 +215,9 @@ TEST(SdoEngine, IgnoresWhatIsNotForTheTransfer) {
   owner.Start(Upload, 9);
   owner.Play(kUpload);
   for (const char* command : {"E0", "FF", "A3", "C3"}) owner.Feed(command);
-  SdoFeed(owner.engine, Frame(0x586, "4F 00 20 01 01"));
-  SdoFeed(owner.engine, Frame(0x20000585, "4F 00 20 01 01"));
-  SdoFeed(owner.engine, Frame(0x605, "4F 00 20 01 01"));
+  SdoFeed(owner.engine, NTest::SdoFrame(0x586, "4F 00 20 01 01"));
+  SdoFeed(owner.engine, NTest::SdoFrame(0x20000585, "4F 00 20 01 01"));
+  SdoFeed(owner.engine, NTest::SdoFrame(0x605, "4F 00 20 01 01"));
   EXPECT_FALSE(owner.engine.finished);
   owner.Play("< 4F 00 20 01 01");
   EXPECT_TRUE(owner.engine.succeeded);
@@ -270,9 +270,9 @@ TEST(SdoEngine, SpeaksWith29BitIdentifiers) {
   ASSERT_EQ(owner.sent.size(), 1u);
   EXPECT_EQ(owner.sent[0].identifier, 0x0ABCDEF0u);
   EXPECT_EQ(owner.sent[0].flags, 8u | NSdk::kFrameExtended);
-  SdoFeed(owner.engine, Frame(0x12345678, "4F 00 20 01 01"));
+  SdoFeed(owner.engine, NTest::SdoFrame(0x12345678, "4F 00 20 01 01"));
   EXPECT_FALSE(owner.engine.finished) << "without the extended flag it is another COB-ID";
-  SdoFeed(owner.engine, Frame(0x32345678, "4F 00 20 01 01"));
+  SdoFeed(owner.engine, NTest::SdoFrame(0x32345678, "4F 00 20 01 01"));
   EXPECT_TRUE(owner.engine.succeeded);
 }
 
