@@ -18,7 +18,7 @@ packages_of() {
     test) echo googletest can-utils python3-can libbenchmark-dev clang-format-14 ;;
     windows) echo g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 wine64 fonts-wine googletest ;;
     source) echo dpkg-dev ;;
-    vm) echo qemu-system-x86 cpio iproute2 ;;
+    vm) echo qemu-system-x86 cpio iproute2 can-utils ;;
     tidy) echo clang-tidy-14 ;;
     *) die "no package group '$1'" ;;
   esac
