@@ -171,14 +171,15 @@ BusFactory::Adapter BusFactory::MakeSocketCan(std::string_view word, const BusNa
 BusFactory::Adapter BusFactory::MakeSocketcand(std::string_view word, const BusName& name) {
   const std::size_t slash = name.address.rfind('/');
   const auto server = ReadHostAndPort(std::string_view(name.address).substr(0, slash));
-  const std::string interface = slash == std::string::npos ? "" : name.address.substr(slash + 1);
-  const bool isClean = interface.find_first_of(" \t\r\n<>") == std::string::npos;
-  if (!server || server->port == 0 || interface.empty() || !isClean || interface.size() > kLongestInterface) {
+  const std::string interfaceName = slash == std::string::npos ? "" : name.address.substr(slash + 1);
+  const bool isClean = interfaceName.find_first_of(" \t\r\n<>") == std::string::npos;
+  if (!server || server->port == 0 || interfaceName.empty() || !isClean ||
+      interfaceName.size() > kLongestInterface) {
     Refuse(word, "an address is written HOST[:PORT]/INTERFACE, 127.0.0.1:29536/can1 for example");
   }
   if (!mAsioLoop) Refuse(word, "there is no network here");
   KeepRealTime(word);
-  return std::make_unique<SocketcandClient>(*mAsioLoop, *server, interface);
+  return std::make_unique<SocketcandClient>(*mAsioLoop, *server, interfaceName);
 }
 
 void BusFactory::SkipWaits(std::string_view word) {

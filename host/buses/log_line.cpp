@@ -140,8 +140,8 @@ LogLineContent ReadLogLine(std::string_view line) {
   std::chrono::nanoseconds time{};
   if (timeWord[0] != '(') return Fault("a line begins with a time in brackets");
   if (!ReadTime(timeWord, time)) return Fault("the time is not written (SECONDS.FRACTION)");
-  const std::string_view interface = TakeWord(rest);
-  if (interface.empty() || interface.size() > kLongestInterface) {
+  const std::string_view interfaceName = TakeWord(rest);
+  if (interfaceName.empty() || interfaceName.size() > kLongestInterface) {
     return Fault("behind the time stands the name of an interface, up to 15 characters");
   }
   Content content = ReadFrame(TakeWord(rest));
@@ -149,7 +149,7 @@ LogLineContent ReadLogLine(std::string_view line) {
   const bool isClean = (direction.empty() || direction == "R" || direction == "T") && TakeWord(rest).empty();
   if (content.kind == Content::Frame && !isClean) return Fault("something stands behind the frame");
   content.time = time;
-  content.interface = interface;
+  content.interfaceName = interfaceName;
   return content;
 }
 

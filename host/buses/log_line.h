@@ -21,7 +21,7 @@ struct LogLineContent {
 
   Kind kind = Nothing;
   std::chrono::nanoseconds time{};  ///< since 1970, or since whatever the writer counts from
-  std::string_view interface;       ///< lies in the line
+  std::string_view interfaceName;   ///< lies in the line
   NSdk::CanFrame frame;
   const char* fault = "";
 };

@@ -98,10 +98,10 @@ void Replay::Take(std::uint64_t lineNumber, const LogLineContent& content) {
   Advance(lineNumber, content.time);
   if (!mRun) return;
   if (mRun->interfaces.size() < kInterfacesToName &&
-      mRun->interfaces.find(content.interface) == mRun->interfaces.end()) {
-    mRun->interfaces.emplace(content.interface);
+      mRun->interfaces.find(content.interfaceName) == mRun->interfaces.end()) {
+    mRun->interfaces.emplace(content.interfaceName);
   }
-  mRun->next = Pending{DueTime(), std::string(content.interface), content.frame};
+  mRun->next = Pending{DueTime(), std::string(content.interfaceName), content.frame};
 }
 
 // A recorder whose clock is set while it writes leaves a jump in the log, for which nobody wants to wait.
@@ -127,7 +127,7 @@ NRuntime::Time Replay::DueTime() const {
 
 void Replay::Emit(const Pending& pending) {
   ForEachPort([&](ReplayPort& port) {
-    if (port.Wants(pending.interface)) port.mEvents->OnReceived(pending.frame, pending.due);
+    if (port.Wants(pending.interfaceName)) port.mEvents->OnReceived(pending.frame, pending.due);
   });
 }
 
@@ -153,7 +153,7 @@ void Replay::Finish() {
       summary += (summary.empty() ? "" : ", ") + std::to_string(kind.count) + what;
     }
   }
-  for (const std::string& interface : interfaces) known += (known.empty() ? "" : ", ") + interface;
+  for (const std::string& interfaceName : interfaces) known += (known.empty() ? "" : ", ") + interfaceName;
   if (!summary.empty()) Report(log + summary + " in all");
   if (interfaces.empty()) Report(log + "there is no frame in it");
   ForEachPort([&](ReplayPort& port) {

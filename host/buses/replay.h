@@ -34,7 +34,7 @@ class Replay : public std::enable_shared_from_this<Replay> {
  private:
   struct Pending {
     NRuntime::Time due{};
-    std::string interface;
+    std::string interfaceName;
     NSdk::CanFrame frame;
   };
   // One kind of lines that are left out.
@@ -80,8 +80,8 @@ class Replay : public std::enable_shared_from_this<Replay> {
 class ReplayPort final : public NRuntime::CanAdapter {
  public:
   /// Without an interface the channel gets the frames of all.
-  ReplayPort(std::shared_ptr<Replay> replay, std::optional<std::string> interface)
-      : mReplay(std::move(replay)), mInterface(std::move(interface)) {}
+  ReplayPort(std::shared_ptr<Replay> replay, std::optional<std::string> interfaceName)
+      : mReplay(std::move(replay)), mInterface(std::move(interfaceName)) {}
   ~ReplayPort() override { Close(); }
 
   void Open(NRuntime::CanAdapterEvents& events) override;
@@ -91,7 +91,7 @@ class ReplayPort final : public NRuntime::CanAdapter {
  private:
   friend class Replay;
 
-  bool Wants(const std::string& interface) const { return !mInterface || *mInterface == interface; }
+  bool Wants(const std::string& interfaceName) const { return !mInterface || *mInterface == interfaceName; }
 
   std::shared_ptr<Replay> mReplay;
   std::optional<std::string> mInterface;

@@ -16,6 +16,7 @@ bool HasSocketCan();
 ///
 /// A frame counts as sent when the interface says that it was on the bus. What the interface cannot take at
 /// once waits in a queue. An interface that goes down, or away, is used again when it comes back.
-std::unique_ptr<NRuntime::CanAdapter> MakeSocketCan(NRuntime::AsioLoop& loop, const std::string& interface);
+std::unique_ptr<NRuntime::CanAdapter> MakeSocketCan(NRuntime::AsioLoop& loop,
+                                                    const std::string& interfaceName);
 
 }  // namespace NBuses

@@ -191,14 +191,15 @@ void Interface::LookForReturn() {
 
 class SocketCan final : public NRuntime::CanAdapter {
  public:
-  SocketCan(NRuntime::AsioLoop& loop, std::string interface) : mLoop(loop), mName(std::move(interface)) {}
+  SocketCan(NRuntime::AsioLoop& loop, std::string interfaceName)
+      : mLoop(loop), mName(std::move(interfaceName)) {}
   ~SocketCan() override { Close(); }
 
   void Open(NRuntime::CanAdapterEvents& events) override {
     Close();
-    const auto interface = std::make_shared<Interface>(mLoop, mName, events);
-    interface->Open();
-    mInterface = interface;
+    const auto interfaceName = std::make_shared<Interface>(mLoop, mName, events);
+    interfaceName->Open();
+    mInterface = interfaceName;
   }
 
   void Close() override {
@@ -208,7 +209,7 @@ class SocketCan final : public NRuntime::CanAdapter {
 
   void Send(const NSdk::CanFrame& frame) override {
     // Kept: what is told of the frame may close this adapter.
-    if (const auto interface = mInterface) interface->Send(frame);
+    if (const auto interfaceName = mInterface) interfaceName->Send(frame);
   }
 
  private:
@@ -221,8 +222,9 @@ class SocketCan final : public NRuntime::CanAdapter {
 
 bool HasSocketCan() { return true; }
 
-std::unique_ptr<NRuntime::CanAdapter> MakeSocketCan(NRuntime::AsioLoop& loop, const std::string& interface) {
-  return std::make_unique<SocketCan>(loop, interface);
+std::unique_ptr<NRuntime::CanAdapter> MakeSocketCan(NRuntime::AsioLoop& loop,
+                                                    const std::string& interfaceName) {
+  return std::make_unique<SocketCan>(loop, interfaceName);
 }
 
 }  // namespace NBuses

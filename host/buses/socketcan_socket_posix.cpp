@@ -26,37 +26,38 @@ constexpr int kReceiveBuffer = 4 * 1024 * 1024;
 
 [[noreturn]] void Refuse(const std::string& reason) { throw std::runtime_error("socketcan: " + reason); }
 
-std::string HowToBringUp(const std::string& interface) {
-  return interface.rfind("vcan", 0) == 0 ? "ip link set " + interface + " up"
-                                         : "ip link set " + interface + " up type can bitrate 500000";
+std::string HowToBringUp(const std::string& interfaceName) {
+  return interfaceName.rfind("vcan", 0) == 0 ? "ip link set " + interfaceName + " up"
+                                             : "ip link set " + interfaceName + " up type can bitrate 500000";
 }
 
-std::string HowToMake(const std::string& interface) {
-  return interface.rfind("vcan", 0) == 0
-             ? "ip link add dev " + interface + " type vcan && ip link set " + interface + " up"
-             : "connect it, then " + HowToBringUp(interface);
+std::string HowToMake(const std::string& interfaceName) {
+  return interfaceName.rfind("vcan", 0) == 0
+             ? "ip link add dev " + interfaceName + " type vcan && ip link set " + interfaceName + " up"
+             : "connect it, then " + HowToBringUp(interfaceName);
 }
 
-ifreq RequestFor(const std::string& interface) {
+ifreq RequestFor(const std::string& interfaceName) {
   ifreq request = {};
-  std::memcpy(request.ifr_name, interface.data(), std::min(interface.size(), sizeof request.ifr_name - 1));
+  std::memcpy(request.ifr_name, interfaceName.data(),
+              std::min(interfaceName.size(), sizeof request.ifr_name - 1));
   return request;
 }
 
 // The index of an interface that is up.
-int CheckInterface(int handle, const std::string& interface) {
-  ifreq request = RequestFor(interface);
+int CheckInterface(int handle, const std::string& interfaceName) {
+  ifreq request = RequestFor(interfaceName);
   if (ioctl(handle, SIOCGIFINDEX, &request) != 0) {
-    Refuse("there is no interface " + interface + "; " + HowToMake(interface));
+    Refuse("there is no interface " + interfaceName + "; " + HowToMake(interfaceName));
   }
   const int index = request.ifr_ifindex;
-  request = RequestFor(interface);
+  request = RequestFor(interfaceName);
   if (ioctl(handle, SIOCGIFHWADDR, &request) == 0 && request.ifr_hwaddr.sa_family != ARPHRD_CAN) {
-    Refuse(interface + " is no CAN interface");
+    Refuse(interfaceName + " is no CAN interface");
   }
-  request = RequestFor(interface);
+  request = RequestFor(interfaceName);
   if (ioctl(handle, SIOCGIFFLAGS, &request) == 0 && (request.ifr_flags & IFF_UP) == 0) {
-    Refuse(DownText(interface));
+    Refuse(DownText(interfaceName));
   }
   return index;
 }
@@ -66,10 +67,10 @@ void Set(int handle, int level, int option, const Value& value) {
   setsockopt(handle, level, option, &value, sizeof value);
 }
 
-void Bind(int handle, const std::string& interface) {
+void Bind(int handle, const std::string& interfaceName) {
   sockaddr_can address = {};
   address.can_family = AF_CAN;
-  address.can_ifindex = CheckInterface(handle, interface);
+  address.can_ifindex = CheckInterface(handle, interfaceName);
   Set(handle, SOL_CAN_RAW, CAN_RAW_RECV_OWN_MSGS, 1);
   Set(handle, SOL_CAN_RAW, CAN_RAW_ERR_FILTER, can_err_mask_t{CAN_ERR_MASK});
   Set(handle, SOL_SOCKET, SO_TIMESTAMPNS, 1);
@@ -78,7 +79,7 @@ void Bind(int handle, const std::string& interface) {
   Set(handle, SOL_SOCKET, SO_RCVBUF, kReceiveBuffer);
   Set(handle, SOL_SOCKET, SO_RCVBUFFORCE, kReceiveBuffer);
   if (bind(handle, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
-    Refuse(interface + " cannot be used: " + std::strerror(errno));
+    Refuse(interfaceName + " cannot be used: " + std::strerror(errno));
   }
 }
 
@@ -121,18 +122,18 @@ CanError ErrorOf(const can_frame& read) {
 
 }  // namespace
 
-std::string DownText(const std::string& interface) {
-  return interface + " is down; " + HowToBringUp(interface);
+std::string DownText(const std::string& interfaceName) {
+  return interfaceName + " is down; " + HowToBringUp(interfaceName);
 }
 
-CanSocket::CanSocket(const std::string& interface)
+CanSocket::CanSocket(const std::string& interfaceName)
     : mHandle(socket(PF_CAN, SOCK_RAW | SOCK_NONBLOCK | SOCK_CLOEXEC, CAN_RAW)) {
   if (mHandle < 0 && (errno == EAFNOSUPPORT || errno == EPROTONOSUPPORT)) {
     Refuse("this system does not support CAN; modprobe can-raw, if its kernel has the module");
   }
   if (mHandle < 0) Refuse(std::strerror(errno));
   try {
-    Bind(mHandle, interface);
+    Bind(mHandle, interfaceName);
   } catch (...) {
     close(mHandle);
     throw;

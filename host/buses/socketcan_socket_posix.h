@@ -14,7 +14,7 @@ namespace NBuses {
 class CanSocket {
  public:
   /// Binds to the interface. Throws std::runtime_error, one line that says how to set the interface right.
-  explicit CanSocket(const std::string& interface);
+  explicit CanSocket(const std::string& interfaceName);
   ~CanSocket();
   CanSocket(const CanSocket&) = delete;
   CanSocket& operator=(const CanSocket&) = delete;
@@ -39,6 +39,6 @@ class CanSocket {
 };
 
 /// `can0 is down`, and what to do about it.
-std::string DownText(const std::string& interface);
+std::string DownText(const std::string& interfaceName);
 
 }  // namespace NBuses

@@ -61,11 +61,11 @@ std::optional<CanError> ReadError(const std::vector<std::string_view>& words) {
 
 class SocketcandClient::Connection : public std::enable_shared_from_this<Connection> {
  public:
-  Connection(NRuntime::AsioLoop& loop, HostAndPort server, std::string interface,
+  Connection(NRuntime::AsioLoop& loop, HostAndPort server, std::string interfaceName,
              NRuntime::CanAdapterEvents& events)
       : mLoop(loop),
         mServer(std::move(server)),
-        mInterface(std::move(interface)),
+        mInterface(std::move(interfaceName)),
         mEvents(&events),
         mSocket(loop.Context()),
         mAlarm(loop.MakeAlarm([this] { OnAlarm(); })) {}
@@ -306,7 +306,7 @@ void SocketcandClient::Connection::Send(const NSdk::CanFrame& frame) {
     return;
   }
   if (mPending.size() >= kMostPending) return GiveUp("does not take frames as fast as they are sent");
-  mPending.push_back({frame, SendMessage(frame)});
+  mPending.push_back({frame, SendCommand(frame)});
   if (mPending.size() > 1) return;
   mLoop.Post([self = shared_from_this(), attempt = mAttempt] {
     if (self->mEvents && attempt == self->mAttempt) self->WritePending();
@@ -397,8 +397,8 @@ void SocketcandClient::Connection::Reconnect() {
       });
 }
 
-SocketcandClient::SocketcandClient(NRuntime::AsioLoop& loop, HostAndPort server, std::string interface)
-    : mLoop(loop), mServer(std::move(server)), mInterface(std::move(interface)) {}
+SocketcandClient::SocketcandClient(NRuntime::AsioLoop& loop, HostAndPort server, std::string interfaceName)
+    : mLoop(loop), mServer(std::move(server)), mInterface(std::move(interfaceName)) {}
 
 SocketcandClient::~SocketcandClient() { Close(); }
 

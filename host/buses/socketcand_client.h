@@ -16,7 +16,7 @@ namespace NBuses {
 /// been handed to the connection: the protocol has no confirmation. Nor has it remote frames.
 class SocketcandClient final : public NRuntime::CanAdapter {
  public:
-  SocketcandClient(NRuntime::AsioLoop& loop, HostAndPort server, std::string interface);
+  SocketcandClient(NRuntime::AsioLoop& loop, HostAndPort server, std::string interfaceName);
   ~SocketcandClient() override;
 
   void Open(NRuntime::CanAdapterEvents& events) override;

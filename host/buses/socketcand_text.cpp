@@ -64,7 +64,7 @@ void SocketcandStream::DropTaken() {
   mBegin = 0;
 }
 
-std::string SendMessage(const NSdk::CanFrame& frame) {
+std::string SendCommand(const NSdk::CanFrame& frame) {
   const bool extended = (frame.flags & NSdk::kFrameExtended) != 0;
   const unsigned size = frame.flags & NSdk::kFrameDlcMask;
   char text[32];

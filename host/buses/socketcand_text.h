@@ -33,7 +33,7 @@ class SocketcandStream {
 };
 
 /// `< send 123 2 11 22 >`. A remote frame has no bytes behind its length.
-std::string SendMessage(const NSdk::CanFrame& frame);
+std::string SendCommand(const NSdk::CanFrame& frame);
 /// Reads it; empty when it is malformed.
 std::optional<NSdk::CanFrame> ReadSend(const std::vector<std::string_view>& words);
 

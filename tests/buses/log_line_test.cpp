@@ -12,7 +12,7 @@ TEST(LogLine, FramesInEveryFormThatIsWritten) {
   struct Case {
     const char* line;
     long long time_ns;
-    const char* interface;
+    const char* interfaceName;
     const char* frame;
   };
   const Case cases[] = {
@@ -31,7 +31,7 @@ TEST(LogLine, FramesInEveryFormThatIsWritten) {
     const Content content = NBuses::ReadLogLine(c.line);
     ASSERT_EQ(content.kind, Content::Frame) << content.fault;
     EXPECT_EQ(content.time.count(), c.time_ns);
-    EXPECT_EQ(content.interface, c.interface);
+    EXPECT_EQ(content.interfaceName, c.interfaceName);
     EXPECT_EQ(NBuses::FrameText(content.frame), c.frame);
   }
 }

@@ -4,6 +4,7 @@
 #include <functional>
 
 #include "host/buses/bus_factory.h"
+#include "host/runtime/measurement.h"
 #include "host/runtime/text.h"
 #include "tests/buses/listener.h"
 #include "tests/host/virtual_loop.h"
@@ -142,6 +143,27 @@ TEST_F(Replay, BadInputIsNamed) {
   empty->Open(one);
   loop.RunFor(1ms);
   EXPECT_THAT(one.troubles, ElementsAre(HasSubstr("there is no frame in it")));
+}
+
+TEST_F(Replay, AMeasurementEndsOnceAfterTheLastFrameOfAllChannels) {
+  struct Observer : NRuntime::MeasurementObserver {
+    void OnFrame(const NRuntime::SeenFrame& seen) override { seenOn.push_back(seen.channel); }
+    void OnTrouble(std::uint32_t, const std::string&) override {}
+    void OnEnd() override { seenOn.push_back(0); }
+    std::vector<std::uint32_t> seenOn;
+  } observer;
+  const std::string word = Write("(1.0) can0 100#\n(1.1) can1 101#\n(1.2) can0 102#\n");
+  std::vector<NRuntime::CanChannel> channels;
+  channels.push_back({1, factory.Make(word + ",iface=can0")});
+  channels.push_back({2, factory.Make(word + ",iface=can1,speed=2")});
+  NRuntime::Measurement measurement(loop, std::move(channels), observer);
+  for (int run = 0; run < 2; ++run) {
+    observer.seenOn.clear();
+    measurement.Start({});
+    loop.RunFor(1s);
+    EXPECT_THAT(observer.seenOn, ElementsAre(1, 2, 1, 0));
+    measurement.Stop();
+  }
 }
 
 // An hour passes at once, and a time-out of a second comes where the log is silent for longer.

@@ -87,8 +87,8 @@ class Socketcand : public testing::Test {
     return holds;
   }
 
-  std::string Word(const std::string& address, const std::string& interface) const {
-    return "socketcand:" + address + "/" + interface;
+  std::string Word(const std::string& address, const std::string& interfaceName) const {
+    return "socketcand:" + address + "/" + interfaceName;
   }
 
   NRuntime::AsioLoop loop;

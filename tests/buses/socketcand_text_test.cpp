@@ -76,7 +76,7 @@ TEST(SocketcandText, FramesInBothDirections) {
     const auto frame = NBuses::ReadSend(Words(c.message, stream));
     EXPECT_EQ(frame ? NBuses::FrameText(*frame) : "", c.frame);
     if (frame) {
-      EXPECT_EQ(NBuses::SendMessage(*frame), c.written);
+      EXPECT_EQ(NBuses::SendCommand(*frame), c.written);
     }
   }
   const auto time = 1700000000s + 123us;
