@@ -21,7 +21,7 @@ BusTraffic::BusTraffic(NRuntime::Loop& loop, std::uint32_t bitRate, FrameEnd onF
 bool BusTraffic::Queue(VirtualPort& port, const NSdk::CanFrame& frame) {
   Sender& sender = SenderOf(port);
   if (sender.frames.size() >= kMaxWaiting) return false;
-  sender.frames.push_back({frame, mLoop.Now()});
+  sender.frames.push_back({frame, mHeard->value_or(mLoop.Now())});
   if (sender.frames.size() == 1) SetAlarm();
   return true;
 }
@@ -80,6 +80,14 @@ void BusTraffic::SetAlarm() {
   if (FindNext(next)) mAlarm->SetFor(next.end);
 }
 
+// Until the loop has done what was posted meanwhile.
+void BusTraffic::HearReactions() {
+  if (!mHeard->has_value()) return;
+  mLoop.Post([heard = mHeard, time = **mHeard] {
+    if (*heard == time) heard->reset();
+  });
+}
+
 // More than one frame has ended when the loop is late. Who hears of one may send, or leave the bus.
 void BusTraffic::EndFrames() {
   Next next;
@@ -91,8 +99,10 @@ void BusTraffic::EndFrames() {
     if (!port && sender.frames.empty())
       mSenders.erase(mSenders.begin() + static_cast<std::ptrdiff_t>(next.sender));
     mFree = next.end + BitTimes(kIntermissionBits);
+    *mHeard = next.end;
     mOnFrameEnd(port, frame, next.end);
   }
+  HearReactions();
   SetAlarm();
 }
 

@@ -3,6 +3,7 @@
 #include <deque>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "host/runtime/loop.h"
@@ -15,6 +16,9 @@ class VirtualPort;
 /// The frames of a virtual bus on which they take their time. Each port's frames leave in their order. When
 /// the bus is free, the first frames of all ports contend for it; of two that are equal the one that has
 /// waited longer wins, then that of the port which has sent longer.
+///
+/// What is sent in answer to a frame, from inside the event or from a task that it has posted, counts as sent
+/// at the end of that frame: how late the loop is takes nothing from the bus.
 class BusTraffic {
  public:
   /// `sender` is null when it has left.
@@ -52,6 +56,7 @@ class BusTraffic {
   const Sender* Earliest() const;
   void SetAlarm();
   void EndFrames();
+  void HearReactions();
   NRuntime::Time BitTimes(std::uint32_t count) const;
 
   NRuntime::Loop& mLoop;
@@ -59,6 +64,8 @@ class BusTraffic {
   FrameEnd mOnFrameEnd;
   std::vector<Sender> mSenders;
   NRuntime::Time mFree{};  // the frame before was over, and the intermission behind it
+  // End of the frame that those who heard of it may still react to. Shared with posted tasks.
+  std::shared_ptr<std::optional<NRuntime::Time>> mHeard = std::make_shared<std::optional<NRuntime::Time>>();
   std::unique_ptr<NRuntime::Alarm> mAlarm;
 };
 

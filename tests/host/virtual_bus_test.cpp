@@ -135,6 +135,20 @@ TEST_F(TimedBus, ALateLoopDoesNotShiftTheBus) {
   EXPECT_EQ(heard.back(), "a got 0 at 209");
 }
 
+TEST_F(TimedBus, AnAnswerFollowsItsFrameHoweverLateTheLoop) {
+  a.whenSent = [this] {
+    a.whenSent = nullptr;
+    loop.Post([this] { b.port.Send(Frame(0)); });
+  };
+  a.port.Send(Frame(0));
+  loop.Block(microseconds(300));
+  loop.RunFor(microseconds(0));
+  EXPECT_EQ(heard.back(), "a got 0 at 103");
+  b.port.Send(Frame(0));  // at 300, no answer any more
+  loop.RunFor(microseconds(500));
+  EXPECT_EQ(heard.back(), "a got 0 at 350");
+}
+
 TEST_F(TimedBus, TooManyFramesAreGivenUpAndToldOnce) {
   for (int i = 0; i < 1030; ++i) a.port.Send(Frame(0));
   EXPECT_EQ(a.troubles, 1);
