@@ -1,5 +1,7 @@
 #include "host/bench/frame_words.h"
 
+#include <algorithm>
+
 #include <cstdarg>
 #include <cstdio>
 
@@ -89,6 +91,15 @@ std::string FrameInWords(const NSdk::CanFrame& frame) {
     return remote ? words + ", requested" : words;
   }
   return {};
+}
+
+std::string WithWords(std::string line, const NSdk::CanFrame& frame) {
+  // Behind the longest frame with an 11-bit identifier.
+  constexpr std::size_t kWordsColumn = 48;
+  const std::string words = FrameInWords(frame);
+  if (words.empty()) return line;
+  line.resize(std::max(line.size() + 2, kWordsColumn), ' ');
+  return line + words;
 }
 
 }  // namespace NBench

@@ -11,4 +11,7 @@ namespace NBench {
 /// a frame that is none of it.
 std::string FrameInWords(const NSdk::CanFrame& frame);
 
+/// A frame's line with its words behind it, in a column of their own.
+std::string WithWords(std::string line, const NSdk::CanFrame& frame);
+
 }  // namespace NBench

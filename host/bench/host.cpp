@@ -45,7 +45,9 @@ NRuntime::ConfigurationData MakeConfiguration(const std::vector<ChannelOption>& 
 // Takes the place of the module's message boxes and dialogs.
 class TextDialogs final : public NRuntime::Implements<NSdk::IUserDialogs> {
  public:
-  explicit TextDialogs(std::function<void(const std::string&)> show) : mShow(std::move(show)) {}
+  TextDialogs(std::function<void(const std::string&)> show,
+              std::shared_ptr<const std::vector<std::uint8_t>> picked)
+      : mShow(std::move(show)), mPicked(std::move(picked)) {}
 
   HRESULT STDMETHODCALLTYPE ShowMessage(const wchar_t*, const wchar_t* text, std::uint32_t) override {
     if (!text) return E_POINTER;
@@ -53,13 +55,19 @@ class TextDialogs final : public NRuntime::Implements<NSdk::IUserDialogs> {
     return S_OK;
   }
 
-  HRESULT STDMETHODCALLTYPE SelectNodes(const wchar_t*, const std::uint8_t*, std::uint32_t,
-                                        std::uint8_t*) override {
-    return S_FALSE;  // nobody is there to pick any
+  HRESULT STDMETHODCALLTYPE SelectNodes(const wchar_t*, const std::uint8_t* candidates, std::uint32_t count,
+                                        std::uint8_t* chosen) override {
+    if (count != 0 && (!candidates || !chosen)) return E_POINTER;
+    if (mPicked->empty()) return S_FALSE;
+    for (std::uint32_t position = 0; position < count; ++position) {
+      chosen[position] = std::find(mPicked->begin(), mPicked->end(), candidates[position]) != mPicked->end();
+    }
+    return S_OK;
   }
 
  private:
   std::function<void(const std::string&)> mShow;
+  std::shared_ptr<const std::vector<std::uint8_t>> mPicked;
 };
 
 }  // namespace
@@ -72,10 +80,12 @@ Host::Host(const HostOptions& options, NRuntime::MeasurementObserver& observer,
           NRuntime::ApplicationSettings{options.variant, 1, 10}, MakeConfiguration(options.channels))),
       mModule(options.module.value_or(ProgramFolder() / kModuleName)) {
   mApplication->AddService<NSdk::IUserDialogs>(
-      NRuntime::ComPtr<NSdk::IUserDialogs>::Own(new TextDialogs(std::move(showMessage))));
+      NRuntime::ComPtr<NSdk::IUserDialogs>::Own(new TextDialogs(std::move(showMessage), mPicked)));
   mApplication->SetMeasuringQuery([this] { return mMeasurement.IsRunning(); });
   mModule.Initialise(*mApplication);
 }
+
+void Host::PickNodes(std::vector<std::uint8_t> nodeIds) { *mPicked = std::move(nodeIds); }
 
 void Host::PowerOnDevices() {
   for (const auto& device : mDevices) device->PowerOn();

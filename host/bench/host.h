@@ -44,6 +44,9 @@ class Host {
   Host(const HostOptions& options, NRuntime::MeasurementObserver& observer,
        std::function<void(const std::string&)> showMessage);
 
+  /// Nodes that are picked whenever the module asks for some; none at first.
+  void PickNodes(std::vector<std::uint8_t> nodeIds);
+
   /// Lets the simulated devices boot. Throws std::runtime_error when one cannot join its bus.
   void PowerOnDevices();
 
@@ -58,6 +61,7 @@ class Host {
   std::vector<std::unique_ptr<NDevices::DeviceOnBus>> mDevices;
   NRuntime::Measurement mMeasurement;
   NRuntime::ComPtr<NRuntime::Application> mApplication;
+  std::shared_ptr<std::vector<std::uint8_t>> mPicked = std::make_shared<std::vector<std::uint8_t>>();
   NRuntime::Module mModule;
 };
 

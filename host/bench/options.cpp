@@ -7,6 +7,8 @@
 #include <cmath>
 #include <stdexcept>
 
+#include "host/bench/commands.h"
+#include "host/bench/nmt.h"
 #include "host/bench/play_options.h"
 #include "host/bench/scan_options.h"
 #include "host/bench/serve.h"
@@ -28,6 +30,8 @@ struct CommandRow {
 constexpr CommandRow kCommands[] = {
     {"play", "FILE.seq", "Play a sequence file on a CAN bus", MakePlayCommand},
     {"scan", "", "List the CANopen nodes on a CAN bus", MakeScanCommand},
+    {"nmt", "COMMAND NODE...", "Send an NMT command to nodes on a CAN bus", MakeNmtCommand},
+    {"commands", "", "List the commands that the module registers", MakeCommandsCommand},
     {"serve", "", "Let other programs use buses over the network", MakeServeCommand},
 };
 
@@ -48,7 +52,7 @@ Example:
 )";
 
 std::string Help() {
-  constexpr std::size_t kSummaryColumn = 18;
+  constexpr std::size_t kSummaryColumn = 23;
   std::string text = kHelpHead;
   for (const CommandRow& row : kCommands) {
     std::string line = std::string("  ") + row.name + ' ' + row.arguments;

@@ -21,16 +21,6 @@ std::string Seconds(NRuntime::Time time) {
   return text;
 }
 
-// Behind the longest frame with an 11-bit identifier, so that the words stand in a column.
-constexpr std::size_t kWordsColumn = 48;
-
-std::string WithWords(std::string line, const NSdk::CanFrame& frame) {
-  const std::string words = FrameInWords(frame);
-  if (words.empty()) return line;
-  line.resize(std::max(line.size() + 2, kWordsColumn), ' ');
-  return line + words;
-}
-
 std::string TransfersText(const Tally& tally) {
   if (tally.transfers == 0) return {};
   const std::string failed =

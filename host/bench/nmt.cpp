@@ -1,0 +1,213 @@
+#include "host/bench/nmt.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+
+#include "host/bench/console.h"
+#include "host/bench/frame_words.h"
+#include "host/bench/generator_block.h"
+#include "host/bench/stop_request.h"
+#include "host/buses/bus_factory.h"
+#include "host/buses/candump.h"
+
+namespace NBench {
+namespace {
+
+constexpr char kNmtHelp[] = R"(Sends an NMT command to all nodes of a network or to some of them, through a
+generator block of the module and by the module's own commands.
+
+Usage: ostrel-bench nmt COMMAND (all | NODE...) [OPTIONS]
+
+  COMMAND            operational, preoperational, stop or reset
+  NODE               Node-ID, 1 to 127
+
+Options:
+  --network NUMBER   Network to send to, 1 to 4, among those that a generator block
+                     serves (default: 1)
+  --can NUMBER=BUS   Put CAN channel NUMBER on a bus; may be given several times
+                     (default: 1=virtual)
+  --channel NUMBER   Channel of the generator block and of the simulated devices
+                     (default: the lowest)
+  --device NODE      Put a simulated CANopen device on that bus; may be given
+                     several times
+  --variant NAME     Kind of host to be, halvard or tesmond (default: halvard)
+  --module PATH      Module to load (default: Ostrel.hpi beside this program)
+
+Buses:
+)";
+
+constexpr char kNmtFooter[] = R"(
+Exit status: 0 sent, 1 not sent, 2 bad input, 130 stopped by Ctrl+C.
+
+Examples:
+  ostrel-bench nmt operational all --can 1=socketcan:can0
+  ostrel-bench nmt reset 5 9 --device 5 --device 9
+)";
+
+constexpr NRuntime::Time kPatience = std::chrono::seconds(1);
+constexpr NRuntime::Time kEcho = std::chrono::milliseconds(50);
+
+struct KindWord {
+  const char* word;
+  const wchar_t* command;
+};
+
+constexpr KindWord kKinds[] = {{"operational", L"CANopen.Operational"},
+                               {"preoperational", L"CANopen.Preoperational"},
+                               {"stop", L"CANopen.Stop"},
+                               {"reset", L"CANopen.Reset"}};
+
+struct NmtOptions {
+  HostOptions host;
+  std::uint32_t channel = 0;
+  std::wstring command;               ///< without its network
+  std::vector<std::uint8_t> nodeIds;  ///< empty: all nodes
+  std::uint32_t network = 1;
+};
+
+// Sends the command and shows what is on the bus until everything has left and the nodes had time to answer.
+class Sender final : private NRuntime::MeasurementObserver, private GeneratorListener {
+ public:
+  explicit Sender(const NmtOptions& options);
+  ~Sender() override { mHost.Measurement().Stop(); }
+  ExitStatus Run();
+
+ private:
+  void OnFrame(const NRuntime::SeenFrame& seen) override;
+  void OnTrouble(std::uint32_t channel, const std::string& text) override;
+  void OnItemSent(NSdk::GeneratorList, std::uint32_t) override {}
+  void OnItemFailed(NSdk::GeneratorList, std::uint32_t) override {}
+  void OnTransferEnded(NSdk::GeneratorList, std::uint32_t, std::uint32_t) override {}
+  void OnActivityChanged() override {}
+  void AddError(std::string text);
+
+  std::wstring CommandName() const;
+  void Execute();
+
+  const NmtOptions mOptions;
+  bool mFailed = false;
+  bool mStopped = false;
+  Output mOutput;
+  Host mHost;
+  GeneratorBlock mGenerator;
+  std::unique_ptr<NRuntime::Alarm> mEnd;
+  std::size_t mToSend;
+};
+
+Sender::Sender(const NmtOptions& options)
+    : mOptions(options),
+      mHost(options.host, *this, [this](const std::string& text) { AddError(text); }),
+      mGenerator(mHost.Module(), mHost.Application(), {{L"CANChannel", std::to_wstring(options.channel)}},
+                 *this),
+      mEnd(mHost.Loop().MakeAlarm([this] { mHost.Loop().Stop(); })),
+      mToSend(std::max<std::size_t>(options.nodeIds.size(), 1)) {
+  mHost.PickNodes(options.nodeIds);
+}
+
+ExitStatus Sender::Run() {
+  const StopRequest stopRequest(mHost.Loop(), [this] {
+    mStopped = true;
+    mHost.Loop().Stop();
+  });
+  mHost.Measurement().Start({mGenerator.Object()});
+  mHost.PowerOnDevices();
+  mHost.Loop().Post([this] { Execute(); });
+  mEnd->SetFor(mHost.Loop().Now() + kPatience);
+  mHost.Loop().Run();
+  mHost.Measurement().Stop();
+  if (mToSend != 0 && !mFailed && !mStopped) AddError("not sent");
+  if (!mOutput.Reason().empty()) Complain(mOutput.Reason());
+  if (mFailed || mOutput.Failed()) return kFailed;
+  return mStopped ? kInterrupted : kOk;
+}
+
+std::wstring Sender::CommandName() const {
+  return mOptions.command + (mOptions.nodeIds.empty() ? L".All." : L".Nodes.") +
+         std::to_wstring(mOptions.network);
+}
+
+void Sender::Execute() {
+  const auto command = mHost.Application().Commands().FindCommand(CommandName());
+  if (!command || FAILED(command->Execute(nullptr))) AddError("the module refuses the command");
+  if (mFailed) mHost.Loop().Stop();
+}
+
+void Sender::OnFrame(const NRuntime::SeenFrame& seen) {
+  const std::string line = NBuses::ConsoleLine(seen.channel, seen.frame);
+  mOutput.Write(NBuses::ConsoleTime(seen.time) + WithWords(line, seen.frame) + '\n');
+  if (seen.direction != NSdk::kCanTransmitted || mToSend == 0) return;
+  if (--mToSend == 0) mEnd->SetFor(mHost.Loop().Now() + kEcho);
+}
+
+void Sender::OnTrouble(std::uint32_t channel, const std::string& text) {
+  AddError("CAN channel " + std::to_string(channel) + ": " + text);
+}
+
+void Sender::AddError(std::string text) {
+  std::replace(text.begin(), text.end(), '\n', ' ');
+  mFailed = true;
+  Complain(text);
+}
+
+class NmtCommand final : public Command {
+ public:
+  void AddOptions(CLI::App& app) override;
+  std::string Help() const override { return kNmtHelp + NBuses::DescribeBusKinds() + kNmtFooter; }
+  ExitStatus Run() const override { return Sender(Check()).Run(); }
+
+ private:
+  NmtOptions Check() const;
+  std::vector<std::uint8_t> CheckTargets() const;
+
+  HostTexts mHost;
+  std::string mKind, mNetwork = "1";
+  std::vector<std::string> mTargets;
+};
+
+void NmtCommand::AddOptions(CLI::App& app) {
+  mHost.AddOptions(app);
+  app.add_option("COMMAND", mKind)->required();
+  app.add_option("NODE", mTargets)->required();
+  app.add_option("--network", mNetwork);
+}
+
+std::vector<std::uint8_t> NmtCommand::CheckTargets() const {
+  constexpr std::uint32_t kLastNode = 127;
+  std::vector<std::uint8_t> nodeIds;
+  if (mTargets == std::vector<std::string>{"all"}) return nodeIds;
+  for (const std::string& text : mTargets) {
+    const auto nodeId = ParseNumber(text, 1, kLastNode);
+    if (!nodeId) Refuse("NODE", text, "all, or a node-ID from " + Range(1, kLastNode) + " is wanted");
+    const auto narrow = static_cast<std::uint8_t>(*nodeId);
+    if (std::find(nodeIds.begin(), nodeIds.end(), narrow) != nodeIds.end()) {
+      Refuse("NODE", text, "this node-ID is given twice");
+    }
+    nodeIds.push_back(narrow);
+  }
+  return nodeIds;
+}
+
+NmtOptions NmtCommand::Check() const {
+  constexpr std::uint32_t kLastNetwork = 4;
+  NmtOptions options;
+  options.host = CheckHost(mHost);
+  options.channel = ChooseChannel(mHost.channel, options.host.channels);
+  const auto kind = std::find_if(std::begin(kKinds), std::end(kKinds),
+                                 [&](const KindWord& known) { return mKind == known.word; });
+  if (kind == std::end(kKinds)) {
+    Refuse("COMMAND", mKind, "operational, preoperational, stop or reset is wanted");
+  }
+  options.command = kind->command;
+  options.nodeIds = CheckTargets();
+  const auto network = ParseNumber(mNetwork, 1, kLastNetwork);
+  if (!network) Refuse("--network", mNetwork, "a number from " + Range(1, kLastNetwork) + " is wanted");
+  options.network = *network;
+  return options;
+}
+
+}  // namespace
+
+std::unique_ptr<Command> MakeNmtCommand() { return std::make_unique<NmtCommand>(); }
+
+}  // namespace NBench
