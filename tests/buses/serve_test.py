@@ -73,12 +73,13 @@ class Served(unittest.TestCase):
         bus = self.bus("can1")
         self.send(bus, 0x600 + NODE, struct.pack("<BHBHH", 0x2B, 0x1017, 0, 20, 0))
         chance = random.Random(1)
-        for number in range(100):
-            client = socket.create_connection(("127.0.0.1", self.port))
+        clients = [socket.create_connection(("127.0.0.1", self.port)) for _ in range(100)]
+        for client in clients:
             client.sendall(chance.choice([
                 b"", b"< open can", b"< open can1 >< rawmode >< send 123", b"\n\r<<<<>>>>", bytes(5000),
                 b"< open can1 >< rawmode >< send 7FFFFFFFF 99 -1 >", b"< open %s >" % (b"x" * 100),
                 bytes(chance.randrange(256) for _ in range(3000))]))
+        for number, client in enumerate(clients):
             if number % 3 == 0:  # the connection is reset instead of closed
                 client.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, struct.pack("ii", 1, 0))
             client.close()
@@ -100,6 +101,22 @@ class Served(unittest.TestCase):
         bus.shutdown()
         self.assertEqual((scan.returncode, scan.stderr), (0, ""))
         self.assertEqual([node["id"] for node in json.loads(scan.stdout)["nodes"]], [NODE])
+
+    def test_bad_input_is_named_in_one_line(self):
+        for arguments, named in [
+                (["--listen", f"127.0.0.1:{self.port}"], f"cannot listen on 127.0.0.1:{self.port}: "),
+                (["--listen", "127.0.0.1:x"], "--listen 127.0.0.1:x: "),
+                (["--listen", "no host"], "cannot listen on no host:29536: "),
+                (["--can", "1=replay:none.log"], "none.log: no such file"),
+                (["--can", "1=replay:none.log,speed=max"], "leave out speed=max"),
+                (["--device", "0"], 'device "0"'),
+                (["--for", "0"], "--for 0"),
+                (["first.seq"], "first.seq")]:
+            if "--listen" not in arguments:
+                arguments += ["--listen", "127.0.0.1:0"]
+            server = subprocess.run([PROGRAM, "serve", *arguments], capture_output=True, text=True, timeout=30)
+            self.assertEqual((server.returncode, server.stdout, server.stderr.count("\n")), (2, "", 1), arguments)
+            self.assertIn(named, server.stderr)
 
 
 unittest.main(argv=sys.argv[:1], verbosity=2)

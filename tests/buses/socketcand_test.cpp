@@ -73,10 +73,10 @@ class ServerThread {
 
 class Socketcand : public testing::Test {
  protected:
-  // Runs the loop until the condition holds, ten seconds at most.
+  // Runs the loop until the condition holds, thirty seconds at most.
   bool RunUntil(const std::function<bool()>& condition) {
     bool holds = false;
-    const auto end = loop.Now() + 10s;
+    const auto end = loop.Now() + 30s;
     std::unique_ptr<NRuntime::Alarm> alarm = loop.MakeAlarm([&] {
       holds = condition();
       if (holds || loop.Now() > end) return loop.Stop();
