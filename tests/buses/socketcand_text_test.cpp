@@ -19,7 +19,8 @@ std::vector<std::string> Messages(NBuses::SocketcandStream& stream) {
 }
 
 TEST(SocketcandText, MessagesAreFoundHoweverTheyWereCutUp) {
-  const std::string bytes("junk\n< hi ><open\tcan0>  < send 123 1 0a >\0\xFF< > <<ok> < frame", 62);
+  constexpr char kBytes[] = "junk\n< hi ><open\tcan0>  < send 123 1 0a >\0\xFF< > <<ok> < frame";
+  const std::string bytes(kBytes, sizeof kBytes - 1);
   for (std::size_t piece = 1; piece <= bytes.size(); ++piece) {
     NBuses::SocketcandStream stream;
     std::vector<std::string> messages;
