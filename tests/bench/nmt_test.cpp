@@ -25,10 +25,10 @@ std::vector<std::string> Frames(const std::string& output) {
 
 TEST(Nmt, CommandsReachTheNodes) {
   const auto all = NTest::RunBench("nmt stop all --device 5", kFolder);
-  EXPECT_EQ(all.status, 0) << all.error;
+  EXPECT_EQ(all.status, 0) << all.errors;
   EXPECT_THAT(Frames(all.output), ElementsAre("705 00", "000 02 00"));
   const auto some = NTest::RunBench("nmt reset 9 5 --device 5 --device 9 --variant tesmond", kFolder);
-  EXPECT_EQ(some.status, 0) << some.error;
+  EXPECT_EQ(some.status, 0) << some.errors;
   EXPECT_THAT(Frames(some.output), testing::UnorderedElementsAre("705 00", "709 00", "000 81 05", "705 00",
                                                                  "000 81 09", "709 00"));
 }
@@ -37,10 +37,10 @@ TEST(Nmt, TheModuleSaysWhenNothingSendsOnTheNetwork) {
   const std::string twoChannels = " --can 1=virtual --can 2=virtual:b --network 2";
   const auto halvard = NTest::RunBench("nmt stop all" + twoChannels, kFolder);
   EXPECT_EQ(halvard.status, 1);
-  EXPECT_THAT(halvard.error, HasSubstr("insert this block in the simulation setup"));
+  EXPECT_THAT(halvard.errors, HasSubstr("insert this block in the simulation setup"));
   const auto tesmond = NTest::RunBench("nmt stop all --variant tesmond" + twoChannels, kFolder);
   EXPECT_EQ(tesmond.status, 1);
-  EXPECT_THAT(tesmond.error, HasSubstr("on the CAN channel \"CAN2\""));
+  EXPECT_THAT(tesmond.errors, HasSubstr("on the CAN channel \"CAN2\""));
 }
 
 TEST(Nmt, BadInput) {
@@ -58,14 +58,14 @@ TEST(Nmt, BadInput) {
   for (const auto& row : rows) {
     const auto outcome = NTest::RunBench(row.arguments, kFolder);
     EXPECT_EQ(outcome.status, 2) << row.arguments;
-    EXPECT_THAT(outcome.error, HasSubstr(row.error));
+    EXPECT_THAT(outcome.errors, HasSubstr(row.error));
     EXPECT_EQ(outcome.output, "");
   }
 }
 
 TEST(Commands, AreListedInTheOrderOfTheirRegistration) {
   const auto outcome = NTest::RunBench("commands --json", kFolder);
-  EXPECT_EQ(outcome.status, 0) << outcome.error;
+  EXPECT_EQ(outcome.status, 0) << outcome.errors;
   const json commands = json::parse(outcome.output);
   ASSERT_EQ(commands.size(), 77u);
   EXPECT_EQ(commands[0], (json{{"name", "Tool.Brackwell"},
