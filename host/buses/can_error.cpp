@@ -37,8 +37,8 @@ constexpr Bit kProtocolErrors[] = {
     {0x40, "active error frame"},
 };
 
-template <std::size_t size>
-void AddTexts(std::string& text, std::uint32_t bits, const Bit (&known)[size]) {
+template <std::size_t kSize>
+void AddTexts(std::string& text, std::uint32_t bits, const Bit (&known)[kSize]) {
   for (const Bit& bit : known) {
     if ((bits & bit.bit) != 0) text += (text.empty() ? "" : ", ") + std::string(bit.text);
   }

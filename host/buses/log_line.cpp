@@ -6,6 +6,7 @@ namespace NBuses {
 namespace {
 
 using Content = LogLineContent;
+using Kind = LogLineContent::Kind;
 
 constexpr std::string_view kBlanks = " \t\r";
 constexpr std::uint64_t kLatestSecond =
@@ -102,12 +103,12 @@ std::string_view WithoutRawLength(std::string_view text) {
 
 Content Fault(const char* fault) {
   Content content;
-  content.kind = Content::Malformed;
+  content.kind = Kind::Malformed;
   content.fault = fault;
   return content;
 }
 
-Content Other(Content::Kind kind) {
+Content Other(Kind kind) {
   Content content;
   content.kind = kind;
   return content;
@@ -117,14 +118,14 @@ Content ReadFrame(std::string_view word) {
   const std::size_t hash = word.find('#');
   if (hash == std::string_view::npos) return Fault("no frame as candump -L writes it, such as 123#1122");
   Content content;
-  content.kind = Content::Frame;
+  content.kind = Kind::Frame;
   bool extended = false;
   const char* fault = ReadIdentifier(word.substr(0, hash), content.frame.identifier, extended);
   if (fault) return Fault(fault);
-  if (content.frame.identifier > kLargestExtended) return Other(Content::ErrorFrame);
+  if (content.frame.identifier > kLargestExtended) return Other(Kind::ErrorFrame);
   if (extended) content.frame.flags = NSdk::kFrameExtended;
   std::string_view rest = word.substr(hash + 1);
-  if (!rest.empty() && rest[0] == '#') return Other(Content::FdFrame);
+  if (!rest.empty() && rest[0] == '#') return Other(Kind::FdFrame);
   rest = WithoutRawLength(rest);
   const bool remote = !rest.empty() && (rest[0] == 'R' || rest[0] == 'r');
   fault = remote ? ReadRemote(rest.substr(1), content.frame) : ReadData(rest, content.frame);
@@ -147,7 +148,7 @@ LogLineContent ReadLogLine(std::string_view line) {
   Content content = ReadFrame(TakeWord(rest));
   const std::string_view direction = TakeWord(rest);
   const bool isClean = (direction.empty() || direction == "R" || direction == "T") && TakeWord(rest).empty();
-  if (content.kind == Content::Frame && !isClean) return Fault("something stands behind the frame");
+  if (content.kind == Kind::Frame && !isClean) return Fault("something stands behind the frame");
   content.time = time;
   content.interfaceName = interfaceName;
   return content;

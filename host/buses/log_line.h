@@ -11,7 +11,7 @@ namespace NBuses {
 
 /// What stands in a line of a log.
 struct LogLineContent {
-  enum Kind {
+  enum class Kind {
     Frame,       ///< `time`, `interface` and `frame` are set
     Nothing,     ///< an empty line or a comment
     ErrorFrame,  ///< recorded by an interface of Linux
@@ -19,7 +19,7 @@ struct LogLineContent {
     Malformed    ///< `fault` says why
   };
 
-  Kind kind = Nothing;
+  Kind kind = Kind::Nothing;
   std::chrono::nanoseconds time{};  ///< since 1970, or since whatever the writer counts from
   std::string_view interfaceName;   ///< lies in the line
   NSdk::CanFrame frame;

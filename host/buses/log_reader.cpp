@@ -10,8 +10,8 @@
 namespace NBuses {
 namespace {
 
-constexpr std::size_t kBlockSize = 256 * 1024;
-constexpr std::size_t kLongestLine = 8 * 1024;  // a frame of CAN XL has up to 2048 bytes
+constexpr std::size_t kBlockSize = std::size_t{256} * 1024;
+constexpr std::size_t kLongestLine = std::size_t{8} * 1024;  // a frame of CAN XL has up to 2048 bytes
 
 std::runtime_error Problem(const std::filesystem::path& path, const std::string& what) {
   return std::runtime_error("log " + NRuntime::PathText(path) + ": " + what);

@@ -84,15 +84,15 @@ bool Replay::ReadLine() {
 
 void Replay::Take(std::uint64_t lineNumber, const LogLineContent& content) {
   switch (content.kind) {
-    case LogLineContent::Frame:
+    case LogLineContent::Kind::Frame:
       break;
-    case LogLineContent::Nothing:
+    case LogLineContent::Kind::Nothing:
       return;
-    case LogLineContent::ErrorFrame:
+    case LogLineContent::Kind::ErrorFrame:
       return Skip(mRun->errorFrames, 1, lineNumber, "an error frame; those are skipped");
-    case LogLineContent::FdFrame:
+    case LogLineContent::Kind::FdFrame:
       return Skip(mRun->fdFrames, 1, lineNumber, "a CAN FD frame; those are skipped");
-    case LogLineContent::Malformed:
+    case LogLineContent::Kind::Malformed:
       return Skip(mRun->malformed, kReportsPerKind, lineNumber, std::string(content.fault) + "; skipped");
   }
   Advance(lineNumber, content.time);

@@ -142,7 +142,7 @@ CanSocket::CanSocket(const std::string& interfaceName)
 
 CanSocket::~CanSocket() { close(mHandle); }
 
-CanSocket::Result CanSocket::Send(const NSdk::CanFrame& frame) {
+CanSocket::Result CanSocket::Send(const NSdk::CanFrame& frame) const {
   const can_frame written = ToSystem(frame);
   if (write(mHandle, &written, sizeof written) == static_cast<ssize_t>(sizeof written)) return Result::Done;
   // The socket's own buffer is full, or the interface's queue.
@@ -165,7 +165,7 @@ CanSocket::Result CanSocket::Receive(Received& received) {
   for (cmsghdr* part = CMSG_FIRSTHDR(&message); part; part = CMSG_NXTHDR(&message, part)) {
     if (part->cmsg_level != SOL_SOCKET) continue;
     if (part->cmsg_type == SO_TIMESTAMPNS) {
-      timespec stamp;
+      timespec stamp = {};
       std::memcpy(&stamp, CMSG_DATA(part), sizeof stamp);
       received.age = AgeOf(stamp);
     } else if (part->cmsg_type == SO_RXQ_OVFL) {

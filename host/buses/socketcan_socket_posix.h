@@ -22,7 +22,7 @@ class CanSocket {
   int Handle() const { return mHandle; }
 
   enum class Result { Done, Busy, Failed };  ///< Failed: errno says why
-  Result Send(const NSdk::CanFrame& frame);
+  Result Send(const NSdk::CanFrame& frame) const;
 
   struct Received {
     NSdk::CanFrame frame;

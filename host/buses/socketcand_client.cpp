@@ -114,7 +114,7 @@ class SocketcandClient::Connection : public std::enable_shared_from_this<Connect
   Stage mStage = Stage::Connecting;
   std::uint64_t mAttempt = 0;  // tells what comes from an older socket
   SocketcandStream mStream;
-  std::array<char, 16384> mBuffer;
+  std::array<char, 16384> mBuffer = {};
   std::deque<Pending> mPending;
   std::string mRefusal;  // why the server does not open the interface
   CanErrorFilter mErrors;

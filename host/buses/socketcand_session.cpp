@@ -12,7 +12,7 @@ using namespace std::chrono_literals;
 constexpr NRuntime::Time kTimeToOpen = 60s, kTimeToEnd = 1s;
 // A client in wide use takes whatever comes in one read with an `< ok >` for the reply.
 constexpr NRuntime::Time kHoldBack = 20ms;
-constexpr std::size_t kLargestOutput = 4 * 1024 * 1024;  // a second of 50 000 frames takes 3 MB
+constexpr std::size_t kLargestOutput = std::size_t{4} * 1024 * 1024;  // a second of 50 000 frames takes 3 MB
 
 std::string PeerName(const asio::ip::tcp::socket& socket) {
   std::error_code error;
@@ -138,7 +138,7 @@ void SocketcandSession::Flush() {
                       self->mWriting.clear();
                       if (self->mStage == Stage::Gone) return;
                       if (error) return self->End();
-                      self->Flush();
+                      self->FlushSoon();
                       self->EndWhenWritten();
                     });
 }
@@ -162,7 +162,8 @@ void SocketcandSession::EndWithMessage(const std::string& message, const std::st
 
 void SocketcandSession::EndWhenWritten() {
   std::error_code ignored;
-  if (mStage == Stage::Ending && !mIsWriting) mSocket.shutdown(asio::ip::tcp::socket::shutdown_send, ignored);
+  if (mStage == Stage::Ending && mWaiting.empty())
+    mSocket.shutdown(asio::ip::tcp::socket::shutdown_send, ignored);
 }
 
 void SocketcandSession::End() {

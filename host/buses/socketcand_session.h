@@ -70,7 +70,7 @@ class SocketcandSession : public std::enable_shared_from_this<SocketcandSession>
   std::size_t mBus = 0;
   std::string mFault;  // for which the session is ended
   SocketcandStream mStream;
-  std::array<char, 4096> mBuffer;
+  std::array<char, 4096> mBuffer = {};
   std::string mWaiting;  // to be written
   std::string mWriting;
   bool mHasJoined = false;

@@ -6,6 +6,7 @@
 namespace {
 
 using Content = NBuses::LogLineContent;
+using Kind = Content::Kind;
 using testing::HasSubstr;
 
 TEST(LogLine, FramesInEveryFormThatIsWritten) {
@@ -29,7 +30,7 @@ TEST(LogLine, FramesInEveryFormThatIsWritten) {
   for (const Case& c : cases) {
     SCOPED_TRACE(c.line);
     const Content content = NBuses::ReadLogLine(c.line);
-    ASSERT_EQ(content.kind, Content::Frame) << content.fault;
+    ASSERT_EQ(content.kind, Kind::Frame) << content.fault;
     EXPECT_EQ(content.time.count(), c.time_ns);
     EXPECT_EQ(content.interfaceName, c.interfaceName);
     EXPECT_EQ(NBuses::FrameText(content.frame), c.frame);
@@ -38,37 +39,37 @@ TEST(LogLine, FramesInEveryFormThatIsWritten) {
 
 TEST(LogLine, WhatIsNoFrameIsToldApart) {
   const std::string binary("(1.0) can0 123#\0\xFF", 17);
-  const std::tuple<std::string, Content::Kind, const char*> cases[] = {
-      {"", Content::Nothing, ""},
-      {" \t\r", Content::Nothing, ""},
-      {"# a comment", Content::Nothing, ""},
-      {"(1.0) can0 20000004#0004000000000000", Content::ErrorFrame, ""},
-      {"(1.0) can0 123##1112233", Content::FdFrame, ""},
-      {"DROPCOUNT: dropped 5 CAN frames", Content::Malformed, "time in brackets"},
-      {"  can0  123   [3]  11 22 33", Content::Malformed, "time in brackets"},
-      {"(1) can0 123#", Content::Malformed, "(SECONDS.FRACTION)"},
-      {"(1.) can0 123#", Content::Malformed, "(SECONDS.FRACTION)"},
-      {"(-1.0) can0 123#", Content::Malformed, "(SECONDS.FRACTION)"},
-      {"(1.0123456789) can0 123#", Content::Malformed, "(SECONDS.FRACTION)"},
-      {"(99999999999999999999.0) can0 123#", Content::Malformed, "(SECONDS.FRACTION)"},
-      {"(1.0", Content::Malformed, "(SECONDS.FRACTION)"},
-      {"(1.0)", Content::Malformed, "interface"},
-      {"(1.0) averyveryverylongname 123#", Content::Malformed, "interface"},
-      {"(1.0) can0", Content::Malformed, "123#1122"},
-      {"(1.0)  can0  123   [3]  11 22 33", Content::Malformed, "123#1122"},
-      {"(1.0) can0 12#", Content::Malformed, "3 or 8"},
-      {"(1.0) can0 12G#", Content::Malformed, "3 or 8"},
-      {"(1.0) can0 800#", Content::Malformed, "too large"},
-      {"(1.0) can0 40000000#", Content::Malformed, "too large"},
-      {"(1.0) can0 123#1", Content::Malformed, "pairs"},
-      {"(1.0) can0 123#11..22", Content::Malformed, "pairs"},
-      {"(1.0) can0 123#11.", Content::Malformed, "pairs"},
-      {binary, Content::Malformed, "pairs"},
-      {"(1.0) can0 123#112233445566778899", Content::Malformed, "more than 8"},
-      {"(1.0) can0 123#R9", Content::Malformed, "behind R"},
-      {"(1.0) can0 123#R11", Content::Malformed, "behind R"},
-      {"(1.0) can0 123#11 X", Content::Malformed, "behind the frame"},
-      {"(1.0) can0 123#11 R R", Content::Malformed, "behind the frame"},
+  const std::tuple<std::string, Kind, const char*> cases[] = {
+      {"", Kind::Nothing, ""},
+      {" \t\r", Kind::Nothing, ""},
+      {"# a comment", Kind::Nothing, ""},
+      {"(1.0) can0 20000004#0004000000000000", Kind::ErrorFrame, ""},
+      {"(1.0) can0 123##1112233", Kind::FdFrame, ""},
+      {"DROPCOUNT: dropped 5 CAN frames", Kind::Malformed, "time in brackets"},
+      {"  can0  123   [3]  11 22 33", Kind::Malformed, "time in brackets"},
+      {"(1) can0 123#", Kind::Malformed, "(SECONDS.FRACTION)"},
+      {"(1.) can0 123#", Kind::Malformed, "(SECONDS.FRACTION)"},
+      {"(-1.0) can0 123#", Kind::Malformed, "(SECONDS.FRACTION)"},
+      {"(1.0123456789) can0 123#", Kind::Malformed, "(SECONDS.FRACTION)"},
+      {"(99999999999999999999.0) can0 123#", Kind::Malformed, "(SECONDS.FRACTION)"},
+      {"(1.0", Kind::Malformed, "(SECONDS.FRACTION)"},
+      {"(1.0)", Kind::Malformed, "interface"},
+      {"(1.0) averyveryverylongname 123#", Kind::Malformed, "interface"},
+      {"(1.0) can0", Kind::Malformed, "123#1122"},
+      {"(1.0)  can0  123   [3]  11 22 33", Kind::Malformed, "123#1122"},
+      {"(1.0) can0 12#", Kind::Malformed, "3 or 8"},
+      {"(1.0) can0 12G#", Kind::Malformed, "3 or 8"},
+      {"(1.0) can0 800#", Kind::Malformed, "too large"},
+      {"(1.0) can0 40000000#", Kind::Malformed, "too large"},
+      {"(1.0) can0 123#1", Kind::Malformed, "pairs"},
+      {"(1.0) can0 123#11..22", Kind::Malformed, "pairs"},
+      {"(1.0) can0 123#11.", Kind::Malformed, "pairs"},
+      {binary, Kind::Malformed, "pairs"},
+      {"(1.0) can0 123#112233445566778899", Kind::Malformed, "more than 8"},
+      {"(1.0) can0 123#R9", Kind::Malformed, "behind R"},
+      {"(1.0) can0 123#R11", Kind::Malformed, "behind R"},
+      {"(1.0) can0 123#11 X", Kind::Malformed, "behind the frame"},
+      {"(1.0) can0 123#11 R R", Kind::Malformed, "behind the frame"},
   };
   for (const auto& [line, kind, fault] : cases) {
     SCOPED_TRACE(line);
