@@ -193,17 +193,19 @@ bool SdoObserver::TakeBlockFrame(Conversation& conversation, const NSdk::CanFram
 void SdoObserver::KeepSegment(Conversation& conversation, const NSdk::CanFrame& frame) {
   const unsigned sequence = frame.data[0] & ~kLastSegmentBit;
   std::copy(frame.data + 1, frame.data + 8, conversation.segments[sequence].begin());
+  conversation.highestSegment = std::max(conversation.highestSegment, sequence);
   if (frame.data[0] & kLastSegmentBit) conversation.lastSegment = sequence;
 }
 
-// What lies behind the acknowledged segment is sent again.
+// What lies behind the acknowledged segment is sent again. A receiver may claim more than was sent.
 void SdoObserver::Acknowledge(Conversation& conversation, unsigned sequence) {
-  const unsigned acknowledged = std::min<unsigned>(sequence, 127);
+  const unsigned acknowledged = std::min(sequence, conversation.highestSegment);
   for (unsigned number = 1; number <= acknowledged; ++number) {
     Append(conversation.transfer, conversation.segments[number].data(), 7);
   }
   conversation.lastConfirmed = conversation.lastSegment != 0 && acknowledged >= conversation.lastSegment;
   conversation.lastSegment = 0;
+  conversation.highestSegment = 0;
 }
 
 void SdoObserver::Append(SdoTransfer& transfer, const std::uint8_t* data, unsigned size) {

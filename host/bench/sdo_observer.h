@@ -53,7 +53,8 @@ class SdoObserver {
     Phase phase = Phase::Idle;
     // Segments of the sub-block under way, by sequence number: they count once they are acknowledged.
     std::array<std::array<std::uint8_t, 7>, 128> segments{};
-    unsigned lastSegment = 0;  // number of the segment that was marked as the last, 0 = none so far
+    unsigned highestSegment = 0;  // of the sub-block, 0 = none so far
+    unsigned lastSegment = 0;     // number of the segment that was marked as the last, 0 = none so far
     bool lastConfirmed = false;
     bool lastDownloadSegment = false;
   };
