@@ -89,6 +89,9 @@ struct ZCOObject : IUnknown {
   virtual HRESULT STDMETHODCALLTYPE GetObjectType(std::uint32_t* type) = 0;
   /// Number of the data type, as CiA 301, 7.4.7.1, has them; 0: none, as for an object with sub-objects.
   virtual HRESULT STDMETHODCALLTYPE GetDataType(std::uint32_t* type) = 0;
+  /// Its name there, "UNSIGNED32"; of an object with sub-objects "ARRAY" or "RECORD"; a number, "0x1C", for a
+  /// type that is not known.
+  virtual HRESULT STDMETHODCALLTYPE GetTypeName(wchar_t** name) = 0;
   /// Bytes of a value; 0: its length varies, or the type is unknown.
   virtual HRESULT STDMETHODCALLTYPE GetSize(std::uint32_t* size) = 0;
   virtual HRESULT STDMETHODCALLTYPE GetAccessType(AccessType* access) = 0;

@@ -30,8 +30,8 @@ std::vector<std::unique_ptr<NDevices::DeviceOnBus>> MakeDevices(NRuntime::Loop& 
   std::vector<std::unique_ptr<NDevices::DeviceOnBus>> devices;
   devices.reserve(options.devices.size());
   for (const DeviceOption& option : options.devices) {
-    devices.push_back(
-        NDevices::AttachDevice(loop, factory.Make(BusOf(options, option.channel)), option.device));
+    devices.push_back(NDevices::AttachDevice(loop, factory.Make(BusOf(options, option.channel)),
+                                             option.device, ProgramFolder()));
   }
   return devices;
 }

@@ -8,6 +8,7 @@
 #include <stdexcept>
 
 #include "host/bench/commands.h"
+#include "host/bench/describe_options.h"
 #include "host/bench/nmt.h"
 #include "host/bench/play_options.h"
 #include "host/bench/scan_options.h"
@@ -32,6 +33,7 @@ constexpr CommandRow kCommands[] = {
     {"scan", "", "List the CANopen nodes on a CAN bus", MakeScanCommand},
     {"nmt", "COMMAND NODE...", "Send an NMT command to nodes on a CAN bus", MakeNmtCommand},
     {"commands", "", "List the commands that the module registers", MakeCommandsCommand},
+    {"describe", "FILE.eds", "Print the object dictionary of a device description", MakeDescribeCommand},
     {"serve", "", "Let other programs use buses over the network", MakeServeCommand},
 };
 

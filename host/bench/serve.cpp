@@ -76,7 +76,8 @@ void Service::MakeDevices() {
     const auto channel =
         std::find_if(mOptions.host.channels.begin(), mOptions.host.channels.end(),
                      [&](const ChannelOption& other) { return other.number == option.channel; });
-    mDevices.push_back(NDevices::AttachDevice(mLoop, mFactory.Make(channel->bus), option.device));
+    mDevices.push_back(
+        NDevices::AttachDevice(mLoop, mFactory.Make(channel->bus), option.device, ProgramFolder()));
   }
 }
 

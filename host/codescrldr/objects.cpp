@@ -119,6 +119,9 @@ class ObjectObject final : public NRuntime::Implements<ZCOObject> {
   HRESULT STDMETHODCALLTYPE GetDataType(std::uint32_t* type) override {
     return HandOut(mObject.dataType, type);
   }
+  HRESULT STDMETHODCALLTYPE GetTypeName(wchar_t** name) override {
+    return Guarded([&] { return HandOutText(TypeName(), name); });
+  }
   HRESULT STDMETHODCALLTYPE GetSize(std::uint32_t* size) override {
     const DataTypeRow* const row = FindDataType(mObject.dataType);
     return HandOut(row ? row->size : 0, size);
@@ -152,6 +155,15 @@ class ObjectObject final : public NRuntime::Implements<ZCOObject> {
   }
 
  private:
+  std::string TypeName() const {
+    const DataTypeRow* const row = FindDataType(mObject.dataType);
+    if (!mObject.subObjects.empty() || (!row && mObject.dataType == 0)) {
+      if (mObject.objectType == kObjectArray) return "ARRAY";
+      if (mObject.objectType == kObjectRecord) return "RECORD";
+    }
+    return row && mObject.dataType == row->code ? row->name : Hexadecimal(mObject.dataType);
+  }
+
   HRESULT HandOutValue(const std::string& text, ZCOObjectValue** value) {
     return text.empty() ? S_FALSE : HandOutNew<ValueObject>(value, mContent, mObject.dataType, text);
   }

@@ -3,9 +3,23 @@
 #include <stdexcept>
 #include <vector>
 
+#include "host/devices/described_objects.h"
 #include "host/devices/profile.h"
 
 namespace NDevices {
+namespace {
+
+ObjectDictionary ObjectsOf(const DeviceWord& word, const std::filesystem::path& libraries) {
+  if (word.description.empty()) return IoDeviceObjects(word.nodeId);
+  try {
+    return LoadDescribedObjects(libraries, word.description, word.nodeId);
+  } catch (const std::runtime_error& error) {
+    throw std::runtime_error("device \"" + std::to_string(word.nodeId) + ":" + word.description +
+                             "\": " + error.what());
+  }
+}
+
+}  // namespace
 
 // Frames that came since the loop was here last. Two lists take turns, so that their memory stays.
 struct DeviceOnBus::Inbox {
@@ -85,17 +99,11 @@ AbortCode DeviceOnBus::SetValue(ObjectAddress address, BytesView value) {
 }
 
 std::unique_ptr<DeviceOnBus> AttachDevice(NRuntime::Loop& loop, std::unique_ptr<NRuntime::CanAdapter> adapter,
-                                          const DeviceWord& word) {
-  const std::string node = std::to_string(word.nodeId);
-  if (!word.description.empty()) {
-    throw std::runtime_error("device \"" + node + ":" + word.description +
-                             "\": description files are not supported; \"" + node +
-                             "\" is the built-in I/O device");
-  }
+                                          const DeviceWord& word, const std::filesystem::path& libraries) {
   DeviceOptions options;
   options.nodeId = word.nodeId;
   options.misbehaviour = word.faults;
-  return std::make_unique<DeviceOnBus>(loop, std::move(adapter), options, IoDeviceObjects(word.nodeId));
+  return std::make_unique<DeviceOnBus>(loop, std::move(adapter), options, ObjectsOf(word, libraries));
 }
 
 }  // namespace NDevices

@@ -1,6 +1,7 @@
 #pragma once
 // Simulated devices as participants of a bus.
 
+#include <filesystem>
 #include <memory>
 
 #include "host/devices/device.h"
@@ -55,9 +56,10 @@ class DeviceOnBus final : private NRuntime::CanAdapterEvents, private FrameSink 
   bool mOn = false;
 };
 
-/// Makes the device that the word describes, still off. Throws std::runtime_error, one line that names the
-/// word, when it has a description: only the built-in I/O device is known.
+/// Makes the device that the word describes, still off. `libraries` is the folder of the host's libraries, of
+/// which the loader of descriptions is one. Throws std::runtime_error, one line that names the word, when its
+/// description cannot be loaded.
 std::unique_ptr<DeviceOnBus> AttachDevice(NRuntime::Loop& loop, std::unique_ptr<NRuntime::CanAdapter> adapter,
-                                          const DeviceWord& word);
+                                          const DeviceWord& word, const std::filesystem::path& libraries);
 
 }  // namespace NDevices

@@ -1,15 +1,18 @@
 #include "host/devices/device_on_bus.h"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
 
 #include "host/buses/bus_factory.h"
+#include "host/runtime/text.h"
 #include "tests/devices/bench.h"
 #include "tests/host/virtual_loop.h"
 
 namespace {
 
 using namespace NDevicesTest;
-using testing::HasSubstr;
 using Texts = std::vector<std::string>;
 
 // Somebody else on the bus, who notes what was seen in which order.
@@ -29,8 +32,8 @@ class Listener final : public NRuntime::CanAdapterEvents {
 
 class OnBus : public testing::Test {
  protected:
-  std::unique_ptr<NDevices::DeviceOnBus> Attach(const char* word) {
-    return AttachDevice(loop, factory.Make("virtual"), NDevices::ParseDeviceWord(word));
+  std::unique_ptr<NDevices::DeviceOnBus> Attach(const std::string& word) {
+    return AttachDevice(loop, factory.Make("virtual"), NDevices::ParseDeviceWord(word), OSTREL_PROGRAMS);
   }
 
   NTest::VirtualLoop loop;
@@ -107,12 +110,121 @@ TEST_F(OnBus, AChangeFromOutsideIsAnEvent) {
   EXPECT_EQ(master.Seen(), (Texts{"185 42 00", "085 00 10 01 00 00 00 00 00"}));
 }
 
-TEST_F(OnBus, ADescriptionIsRefused) {
+constexpr char kPumpEds[] = R"([OptionalObjects]
+SupportedObjects=8
+1=0x1000
+2=0x1003
+3=0x1014
+4=0x1017
+5=0x1800
+6=0x1A00
+7=0x2000
+8=0x2001
+[0005]
+ParameterName=UNSIGNED8
+ObjectType=5
+DataType=5
+AccessType=ro
+[1000]
+ParameterName=Type
+DataType=7
+AccessType=ro
+DefaultValue=0x191
+[1003]
+ParameterName=Errors
+ObjectType=8
+DataType=7
+AccessType=rw
+CompactSubObj=2
+[1014]
+ParameterName=EMCY
+DataType=7
+AccessType=rw
+DefaultValue=$NODEID+0x80
+[1017]
+ParameterName=Heartbeat
+DataType=6
+AccessType=rw
+ParameterValue=10
+[1800]
+ParameterName=TPDO
+ObjectType=9
+SubNumber=3
+[1800sub0]
+ParameterName=n
+DataType=5
+AccessType=const
+DefaultValue=2
+[1800sub1]
+ParameterName=COB-ID
+DataType=7
+AccessType=rw
+DefaultValue=0x180+$NODEID
+[1800sub2]
+ParameterName=Type
+DataType=5
+AccessType=rw
+DefaultValue=255
+[1A00]
+ParameterName=Mapping
+ObjectType=8
+DataType=7
+AccessType=rw
+CompactSubObj=1
+[1A00Value]
+NrOfEntries=1
+1=0x20000010
+[2000]
+ParameterName=Speed
+DataType=3
+AccessType=rwr
+PDOMapping=1
+LowLimit=0xFFFE
+HighLimit=100
+DefaultValue=-1
+[2001]
+ParameterName=Name
+DataType=9
+AccessType=const
+DefaultValue=Pump
+)";
+
+TEST_F(OnBus, ADescribedDeviceHasItsObjects) {
+  const auto file = std::filesystem::temp_directory_path() / "ostrel-described-device.eds";
+  std::ofstream(file) << kPumpEds;
+  const auto device = Attach("5:" + NRuntime::PathText(file));
+  std::filesystem::remove(file);
+  device->PowerOn();
+  master.Seen();
+  const char* const requests[] = {"605 40 00 10 00 00 00 00 00", "605 40 03 10 00 00 00 00 00",
+                                  "605 40 14 10 00 00 00 00 00", "605 40 01 20 00 00 00 00 00",
+                                  "605 40 05 00 00 00 00 00 00", "605 2B 00 20 00 65 00 00 00",
+                                  "605 2B 00 20 00 FD FF 00 00", "605 2F 01 20 00 41 00 00 00"};
+  Texts answers;
+  for (const char* request : requests) {
+    master.adapter->Send(Frame(request));
+    loop.RunFor(0s);
+    for (const std::string& text : master.Seen()) {
+      if (text != request) answers.push_back(text);
+    }
+  }
+  EXPECT_EQ(answers, (Texts{"585 43 00 10 00 91 01 00 00", "585 4F 03 10 00 00 00 00 00",
+                            "585 43 14 10 00 85 00 00 00", "585 43 01 20 00 50 75 6D 70",
+                            "585 80 05 00 00 00 00 02 06", "585 80 00 20 00 31 00 09 06",
+                            "585 80 00 20 00 32 00 09 06", "585 80 01 20 00 02 00 01 06"}));
+  loop.RunFor(10ms);
+  EXPECT_EQ(master.Seen(), Texts{"705 7F"});
+  master.adapter->Send(Frame("000 01 05"));
+  loop.RunFor(0s);
+  EXPECT_EQ(master.Seen(), (Texts{"000 01 05", "185 FF FF"}));
+}
+
+TEST_F(OnBus, ADescriptionThatCannotBeUsedIsNamed) {
   try {
-    Attach("5:io.eds");
+    Attach("5:no-such.eds");
     ADD_FAILURE();
   } catch (const std::runtime_error& error) {
-    EXPECT_THAT(error.what(), HasSubstr("device \"5:io.eds\": description files are not supported"));
+    EXPECT_STREQ(error.what(), "device \"5:no-such.eds\": no-such.eds: no such file");
   }
 }
 

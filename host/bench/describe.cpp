@@ -1,0 +1,163 @@
+#include "host/bench/describe.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+
+#include "host/bench/console.h"
+#include "host/bench/description.h"
+#include "host/bench/node_document.h"
+#include "host/bench/node_words.h"
+#include "host/runtime/text.h"
+
+namespace NBench {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr std::size_t kColumns = 8;
+constexpr std::size_t kLongestName = 48;  // characters of a name in the table
+
+using Row = std::array<std::wstring, kColumns>;
+
+std::wstring Digits(unsigned number, int count) {
+  char text[16];
+  std::snprintf(text, sizeof text, "%0*X", count, number);
+  return NRuntime::ToWide(text);
+}
+
+std::wstring RangeText(const DescribedObject& object) {
+  if (!object.low && !object.high) return {};
+  return Printable(object.low.value_or("") + ".." + object.high.value_or(""));
+}
+
+std::wstring NameText(const DescribedObject& object, bool isSub) {
+  std::wstring name = Printable(object.name);
+  if (name.size() > kLongestName) name = name.substr(0, kLongestName - 3) + L"...";
+  return (isSub ? L"  " : L"") + name;
+}
+
+void AddRows(std::vector<Row>& rows, const std::vector<DescribedObject>& objects, bool areSubs) {
+  for (const DescribedObject& object : objects) {
+    const bool isWhole = object.subObjects.empty();
+    rows.push_back({Digits(object.index, 4), areSubs ? Digits(object.subindex, 2) : L"",
+                    NameText(object, areSubs), Printable(object.type),
+                    isWhole ? Printable(object.access) : L"", isWhole && object.mappable ? L"P" : L"",
+                    isWhole ? RangeText(object) : L"", isWhole ? Printable(object.value.value_or("")) : L""});
+    AddRows(rows, object.subObjects, true);
+  }
+}
+
+std::string TableText(const std::vector<Row>& rows) {
+  std::array<std::size_t, kColumns> widths{};
+  for (const Row& row : rows) {
+    for (std::size_t i = 0; i < kColumns; ++i) widths[i] = std::max(widths[i], row[i].size());
+  }
+  std::wstring text;
+  for (const Row& row : rows) {
+    std::wstring line;
+    for (std::size_t i = 0; i < kColumns; ++i) {
+      if (widths[i] == 0) continue;
+      line += row[i] + std::wstring(widths[i] - row[i].size() + 2, L' ');
+    }
+    line.erase(line.find_last_not_of(L' ') + 1);
+    text += line + L'\n';
+  }
+  return NRuntime::ToUtf8(text);
+}
+
+std::string Count(std::size_t count, const char* what) {
+  return std::to_string(count) + ' ' + what + (count == 1 ? "" : "s");
+}
+
+std::size_t CountValues(const std::vector<DescribedObject>& objects) {
+  std::size_t count = 0;
+  for (const DescribedObject& object : objects) count += std::max<std::size_t>(1, object.subObjects.size());
+  return count;
+}
+
+std::string HeadText(const DeviceDescription& description) {
+  std::string text;
+  const auto add = [&](const char* title, const std::string& value) {
+    if (!value.empty()) text += title + NRuntime::ToUtf8(Printable(value)) + '\n';
+  };
+  add("Vendor    ", description.vendor);
+  add("Product   ", description.product);
+  if (description.nodeId) add("Node-ID   ", std::to_string(*description.nodeId));
+  if (description.bitRate) add("Bit rate  ", std::to_string(*description.bitRate / 1000) + " kbit/s");
+  return text.empty() ? text : text + '\n';
+}
+
+std::string DescriptionText(const DeviceDescription& description) {
+  std::vector<Row> rows = {{L"Index", L"Sub", L"Name", L"Type", L"Access", L"PDO", L"Range", L"Value"}};
+  AddRows(rows, description.objects, false);
+  return HeadText(description) + TableText(rows) + Count(description.objects.size(), "object") + ", " +
+         Count(CountValues(description.objects), "value") + ", " +
+         (description.warnings.empty() ? "no warnings" : Count(description.warnings.size(), "warning")) +
+         '\n';
+}
+
+template <class Value>
+Json OrNull(const std::optional<Value>& value) {
+  return value ? Json(*value) : Json(nullptr);
+}
+
+Json ObjectDocuments(const std::vector<DescribedObject>& objects, bool areSubs) {
+  Json documents = Json::array();
+  for (const DescribedObject& object : objects) {
+    Json document = {{"index", object.index}};
+    if (areSubs) document["subindex"] = object.subindex;
+    document.update(Json{{"name", object.name},
+                         {"objectType", object.objectType},
+                         {"dataType", object.dataType},
+                         {"type", object.type},
+                         {"access", object.access},
+                         {"mappable", object.mappable},
+                         {"value", OrNull(object.value)},
+                         {"number", OrNull(object.number)},
+                         {"low", OrNull(object.low)},
+                         {"high", OrNull(object.high)}});
+    if (!areSubs) document["subObjects"] = ObjectDocuments(object.subObjects, true);
+    documents.push_back(std::move(document));
+  }
+  return documents;
+}
+
+Json DescriptionDocument(const DeviceDescription& description) {
+  Json document = {{"vendor", description.vendor},
+                   {"product", description.product},
+                   {"nodeId", OrNull(description.nodeId)},
+                   {"bitRate", OrNull(description.bitRate)},
+                   {"objects", ObjectDocuments(description.objects, false)},
+                   {"warnings", Json::array()}};
+  for (const DescriptionWarning& warning : description.warnings) {
+    document["warnings"].push_back({{"line", warning.line}, {"code", warning.code}, {"text", warning.text}});
+  }
+  return document;
+}
+
+// As compilers do, so that editors find the place.
+void Warn(const DescriptionWarning& warning) {
+  const std::string line = NRuntime::ToUtf8(Printable(warning.text)) + '\n';
+  std::fwrite(line.data(), 1, line.size(), stderr);
+}
+
+}  // namespace
+
+ExitStatus Describe(const DescribeOptions& options) {
+  const DeviceDescription description = LoadDescription(options.file, options.nodeId);
+  Output output;
+  if (options.json) {
+    output.Write(DocumentText(DescriptionDocument(description)));
+  } else {
+    for (const DescriptionWarning& warning : description.warnings) Warn(warning);
+    std::fflush(stderr);
+    output.Write(DescriptionText(description));
+  }
+  if (!output.Reason().empty()) Complain(output.Reason());
+  return output.Failed() ? kFailed : kOk;
+}
+
+}  // namespace NBench
