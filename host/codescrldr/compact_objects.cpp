@@ -14,6 +14,7 @@ using namespace CODESCRLDR;
 constexpr std::uint32_t kUnsigned8 = 0x05;
 constexpr std::uint32_t kUnsigned16 = 0x06;
 constexpr std::uint32_t kUnsigned32 = 0x07;
+constexpr std::uint16_t kErrorHistory = 0x1003;
 constexpr std::uint16_t kMappingOffset = 0x200;
 constexpr std::uint8_t kMappedObjects = 8;
 constexpr std::uint32_t kPredefinedPdos = 4;  // of each kind
@@ -46,12 +47,20 @@ Object* FindSub(Object& object, std::uint64_t subindex) {
   return found == object.subObjects.end() ? nullptr : &*found;
 }
 
+// The error history is emptied, and a mapping is put in force, by writing sub-index 0.
+bool IsWrittenCount(std::uint16_t index) {
+  const std::uint16_t receive = kReceive.parameter + kMappingOffset;
+  const std::uint16_t transmit = kTransmit.parameter + kMappingOffset;
+  return index == kErrorHistory || (index >= receive && index < receive + kMappingOffset) ||
+         (index >= transmit && index < transmit + kMappingOffset);
+}
+
 Object MakeCount(const Object& parent, std::uint32_t count) {
   Object sub;
   sub.index = parent.index;
   sub.name = "NrOfObjects";
   sub.dataType = kUnsigned8;
-  sub.access = kReadOnly;
+  sub.access = IsWrittenCount(parent.index) ? parent.access : kReadOnly;
   sub.value = sub.defaultValue = std::to_string(count);
   return sub;
 }
@@ -104,7 +113,6 @@ Object MakeMapping(const PdoKind& kind, std::uint32_t number) {
   object.value.clear();
   object.defaultValue.clear();
   object.subObjects.front() = MakeCount(object, 0);
-  object.subObjects.front().access = kReadWrite;
   return object;
 }
 

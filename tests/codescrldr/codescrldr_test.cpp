@@ -193,6 +193,7 @@ TEST_F(Descriptions, OfRealToolsAreReadWithoutAWord) {
   EXPECT_EQ(Get(*Find(0x1001), &ZCOObject::IsMappable), 1u);
 
   EXPECT_EQ(Number(ValueOf(*Find(0x1A00, 0))), 3);
+  EXPECT_EQ(Get(*Find(0x1A00, 0), &ZCOObject::GetAccessType), kReadWrite);
   EXPECT_EQ(Number(ValueOf(*Find(0x1A00, 1))), 0x20000008);
   EXPECT_EQ(Number(ValueOf(*Find(0x1A00, 3))), 0);
   EXPECT_EQ(Text(*Find(0x1A00, 2), &ZCOObject::GetName), "Second");
