@@ -11,12 +11,15 @@
 namespace NDatabases {
 namespace {
 
-constexpr std::size_t kMostErrors = 1000;
-constexpr std::size_t kMostObjects = 500'000;  // nodes, messages and signals
+constexpr std::size_t kMostErrors = 1000;        // that are listed
+constexpr std::size_t kErrorsOfNoDbc = 100'000;  // a file with more of them is none
+constexpr std::size_t kMostObjects = 500'000;    // nodes, messages and signals
 constexpr std::uint32_t kExtendedBit = 0x80000000;
 constexpr std::uint32_t kLastStandard = 0x7FF;
 constexpr std::uint32_t kLastExtended = 0x1FFFFFFF;
 constexpr std::uint32_t kOrphans = 0xC0000000;  // the message of signals that belong to none
+
+struct TooManyErrors {};
 
 class Reader {
  public:
@@ -76,6 +79,7 @@ class Reader {
   std::unordered_map<std::string, std::size_t> mSignals;     // "IDENTIFIER NAME"
   std::optional<std::uint32_t> mMessage;                     // whose signals follow
   std::size_t mObjects = 0;
+  std::size_t mErrors = 0;
 };
 
 const Reader::Section Reader::kSections[] = {
@@ -125,12 +129,16 @@ const Reader::Section* Reader::FindSection(const DbcToken& token) {
 }
 
 Database Reader::Read() {
-  while (!mTokens.AtEnd()) ReadStatement();
-  for (const Comment& comment : mComments) Apply(comment);
-  for (const FloatSignal& row : mFloatSignals) Apply(row);
-  mAttributes.Apply(
-      mDatabase, [this](const ObjectName& name) { return FindAttributes(name); },
-      [this](const DbcError& error) { AddError(error); });
+  try {
+    while (!mTokens.AtEnd()) ReadStatement();
+    for (const Comment& comment : mComments) Apply(comment);
+    for (const FloatSignal& row : mFloatSignals) Apply(row);
+    mAttributes.Apply(
+        mDatabase, [this](const ObjectName& name) { return FindAttributes(name); },
+        [this](const DbcError& error) { AddError(error); });
+  } catch (const TooManyErrors&) {
+    mDatabase.errors.back().text = "the file has so many errors that the rest of it is left out";
+  }
   std::stable_sort(mDatabase.errors.begin(), mDatabase.errors.end(),
                    [](const DbcError& a, const DbcError& b) { return a.line < b.line; });
   return std::move(mDatabase);
@@ -293,6 +301,7 @@ void Reader::ReadFloatSignal() {
 }
 
 void Reader::AddError(const DbcError& error) {
+  if (++mErrors > kErrorsOfNoDbc) throw TooManyErrors();
   if (mDatabase.errors.size() < kMostErrors) return mDatabase.errors.push_back(error);
   mDatabase.errors.back() = {error.line,
                              "no more than " + std::to_string(kMostErrors) + " errors are listed"};
