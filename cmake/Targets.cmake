@@ -26,3 +26,12 @@ function(ostrel_test name)
   # Wine on a busy machine takes long to start.
   gtest_discover_tests(${name} TEST_PREFIX "${ARG_PREFIX}" DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120 PROPERTIES TIMEOUT 120)
 endfunction()
+
+# ostrel_libraries_beside(TEST LIBRARY...): host libraries that the module looks for beside the program.
+function(ostrel_libraries_beside test)
+  foreach(library IN LISTS ARGN)
+    add_dependencies(${test} ${library})
+    add_custom_command(TARGET ${test} POST_BUILD
+      COMMAND ${CMAKE_COMMAND} -E copy_if_different $<TARGET_FILE:${library}> $<TARGET_FILE_DIR:${test}>)
+  endforeach()
+endfunction()

@@ -103,9 +103,15 @@ std::uint32_t ZChannelManager::ChannelCount() {
 void ZChannelManager::Refresh() {
   if (!mSink->needsRefresh) return;
   mSink->needsRefresh = false;
+  ++mRevision;
   mChannels = {};
   ChannelCount();
   GetCANDbs();
+}
+
+std::uint32_t ZChannelManager::Revision() {
+  Refresh();
+  return mRevision;
 }
 
 void ZChannelManager::GetCANDbs() {

@@ -39,6 +39,8 @@ class ZChannelManager {
 
   /// Reads the databases again if their assignment has changed since the last call.
   void Refresh();
+  /// Refreshes; differs from the last answer when databases were read again.
+  std::uint32_t Revision();
   /// Asks the host for its channels: their number, at most 33.
   std::uint32_t ChannelCount();
   /// A channel at a position from 0, in the host's order.
@@ -54,6 +56,7 @@ class ZChannelManager {
   NCom::ComPtr<Sink> mSink;
   NCom::ComPtr<NSdk::IEventSource> mEvents;
   std::uint32_t mCookie = 0;
+  std::uint32_t mRevision = 0;
 };
 
 /// Made on first use.

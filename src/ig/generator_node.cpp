@@ -5,6 +5,7 @@
 
 #include <algorithm>
 
+#include "channels/channel_manager.h"
 #include "com/entry.h"
 #include "com/task_text.h"
 #include "common/host_application.h"
@@ -64,6 +65,16 @@ HRESULT ZCANopenIGNode::ActivityEntry(Body&& body) {
     if (events && after != before) events->OnActivityChanged(after);
     return result;
   });
+}
+
+const std::vector<NSdo::DatabaseNode>& ZCANopenIGNode::DatabaseNodes() {
+  const std::uint32_t revision = NChannels::TheChannelManager().Revision();
+  if (revision == mNodesRevision && Channel() == mNodesChannel) return mDatabaseNodes;
+  mNodesRevision = revision;
+  mNodesChannel = Channel();
+  mDatabaseNodes.clear();
+  NSdo::BuildDatabaseNodeList(mNodesChannel, mDatabaseNodes);
+  return mDatabaseNodes;
 }
 
 // ---- the block in the host

@@ -9,6 +9,7 @@
 #include "sdk/blocks.h"
 #include "sdk/generator.h"
 #include "sdk/persistence.h"
+#include "sdo/node_list.h"
 
 namespace NIg {
 
@@ -28,6 +29,9 @@ class ZCANopenIGNode final : public GeneratorInterfaces, private TransmissionObs
   std::uint32_t Channel() const;
   /// Output on that channel; empty outside a measurement.
   NCom::ComPtr<NSdk::ICANOutput> Output() const { return mGenerator.Output(); }
+  /// Nodes that the databases of that channel describe, read again when the assignment of databases has
+  /// changed.
+  const std::vector<NSdo::DatabaseNode>& DatabaseNodes();
 
   // IPlugInBlock
   HRESULT STDMETHODCALLTYPE Attach(NSdk::IBlockSite* site) override;
@@ -81,7 +85,10 @@ class ZCANopenIGNode final : public GeneratorInterfaces, private TransmissionObs
   NCom::ComPtr<NSdk::IGeneratorEvents> mEvents;
   GeneratorSettings mSettings;
   std::filesystem::path mSequencePath;  // last opened or saved; empty: none
-  bool mHexDisplay = true;              // shared by all items of the block
+  std::vector<NSdo::DatabaseNode> mDatabaseNodes;
+  std::uint32_t mNodesRevision = 0;  // of the channel manager; 0: they were never read
+  std::uint32_t mNodesChannel = 0;
+  bool mHexDisplay = true;  // shared by all items of the block
   Generator mGenerator;
 };
 

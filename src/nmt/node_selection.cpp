@@ -31,10 +31,11 @@ void SendToNodes(ZNMTTransmitter& transmitter, std::uint8_t command, std::span<c
   }
 }
 
-bool AskHostForNodes(ZNMTTransmitter& transmitter, std::uint8_t command,
-                     std::span<const DatabaseNode> databaseNodes) {
+bool AskHostForNodes(ZNMTTransmitter& transmitter, std::uint8_t command) {
   const auto dialogs = NCommon::HostService<NSdk::IUserDialogs>();
   if (!dialogs) return false;
+  std::vector<DatabaseNode> databaseNodes;
+  transmitter.GetDatabaseNodes(databaseNodes);
   std::vector<std::uint8_t> candidates;
   for (const DatabaseNode& row : SelectionRows(databaseNodes)) {
     if (NCanopen::IsNodeId(row.nodeId)) candidates.push_back(static_cast<std::uint8_t>(row.nodeId));

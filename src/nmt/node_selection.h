@@ -10,12 +10,6 @@
 
 namespace NNmt {
 
-/// A node as a database names it.
-struct DatabaseNode {
-  std::uint32_t nodeId = 0;
-  std::wstring name;
-};
-
 /// One line of the choice for every node of a network: those of the database in its order, then the others.
 std::vector<DatabaseNode> SelectionRows(std::span<const DatabaseNode> databaseNodes);
 
@@ -24,7 +18,6 @@ void SendToNodes(ZNMTTransmitter& transmitter, std::uint8_t command, std::span<c
 
 /// Lets the host ask its user for nodes and sends the command to them. False: the host does not talk to the
 /// user itself.
-bool AskHostForNodes(ZNMTTransmitter& transmitter, std::uint8_t command,
-                     std::span<const DatabaseNode> databaseNodes);
+bool AskHostForNodes(ZNMTTransmitter& transmitter, std::uint8_t command);
 
 }  // namespace NNmt

@@ -18,4 +18,11 @@ bool ZNMTTransmitter::SendCommand(const NmtRequest* request) {
   return true;
 }
 
+bool ZNMTTransmitter::GetDatabaseNodes(std::vector<DatabaseNode>& nodes) {
+  nodes.clear();
+  if (!mBlock) return false;
+  for (const NSdo::DatabaseNode& node : mBlock->DatabaseNodes()) nodes.push_back({node.nodeId, node.name});
+  return true;
+}
+
 }  // namespace NNmt

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
+#include <vector>
 
 #include "com/com_ptr.h"
 #include "ig/generator_node.h"
@@ -13,6 +15,12 @@ struct NmtRequest {
   std::uint8_t nodeId = 0;   ///< 0: all nodes
 };
 
+/// A node as a database names it.
+struct DatabaseNode {
+  std::uint32_t nodeId = 0;
+  std::wstring name;
+};
+
 /// Puts NMT commands on the CAN channel of a generator block.
 class ZNMTTransmitter {
  public:
@@ -21,6 +29,9 @@ class ZNMTTransmitter {
   /// False: there is no block, or no request. True does not say that the command was sent: a block outside a
   /// measurement sends nothing.
   bool SendCommand(const NmtRequest* request);
+  /// The nodes that the databases of the block's channel describe, in their order. False: there is no block,
+  /// and no node.
+  bool GetDatabaseNodes(std::vector<DatabaseNode>& nodes);
 
  private:
   NCom::ComPtr<NIg::ZCANopenIGNode> mBlock;

@@ -56,12 +56,21 @@ class ZActionCANopenNmtManagement final
   HRESULT STDMETHODCALLTYPE Execute(IUnknown*) override { return S_OK; }
 };
 
+/// A command of the menus that goes to one node, once it has one.
+class NodeSlot {
+ public:
+  virtual ~NodeSlot() = default;
+  /// Gives it a node of a network, numbered from 1, and its caption; kNoNetwork takes the node away.
+  virtual void Assign(std::uint8_t network, std::uint8_t nodeId, std::wstring caption) = 0;
+};
+
 /// Sends NMT commands of its kind to a target in a network. For the commands of single nodes network and
 /// target are none until a node is assigned.
 template <std::uint32_t Caption, std::uint32_t ToolTip, std::uint32_t Bitmap, std::uint32_t SmallIcon,
           std::uint32_t LargeIcon, NmtKind Kind>
 class ZActionCANopenSendMsg final : public ZAction<ZPlugIn, Caption, ToolTip, Bitmap, SmallIcon, LargeIcon,
-                                                   static_cast<std::uint32_t>(Kind)> {
+                                                   static_cast<std::uint32_t>(Kind)>,
+                                    public NodeSlot {
  public:
   ZActionCANopenSendMsg(ZPlugIn& owner, std::wstring name, std::uint32_t state, std::uint8_t network,
                         std::uint8_t target)
@@ -71,9 +80,22 @@ class ZActionCANopenSendMsg final : public ZAction<ZPlugIn, Caption, ToolTip, Bi
     return NCom::Entry([&] { this->mOwner.SendNmt(Kind, mNetwork, mTarget); });
   }
 
+  HRESULT STDMETHODCALLTYPE GetCaption(wchar_t** caption) override {
+    if (mCaption.empty()) return ZActionCANopenSendMsg::ZAction::GetCaption(caption);
+    return NCom::Entry([&] { return NCom::HandOut(mCaption, caption); });
+  }
+
+  void Assign(std::uint8_t network, std::uint8_t nodeId, std::wstring caption) override {
+    mNetwork = network;
+    mTarget = nodeId;
+    mCaption = std::move(caption);
+    this->SetState(network == kNoNetwork ? NSdk::kCommandHidden : NSdk::kCommandShown);
+  }
+
  private:
   std::uint8_t mNetwork;  // from 1
   std::uint8_t mTarget;
+  std::wstring mCaption;  // of the node; empty: that of the class
 };
 
 // The four kinds have the same images wherever they appear; the numbers of the icons of Stop and Reset stand

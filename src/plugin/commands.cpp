@@ -105,6 +105,15 @@ void CommandSet::ShowNetworks(std::size_t usable) {
   }
 }
 
+void CommandSet::ShowNodes(const std::vector<Node>& nodes) {
+  for (const Actions& kind : mNodeKinds) {
+    for (std::size_t slot = 0; slot < kind.size(); ++slot) {
+      const Node node = slot < nodes.size() ? nodes[slot] : Node();
+      dynamic_cast<NodeSlot&>(*kind[slot]).Assign(node.network, node.nodeId, node.caption);
+    }
+  }
+}
+
 void CommandSet::ShowNetworkManagement(bool shown) {
   mNetworkManagement->SetState(shown ? NSdk::kCommandShown : NSdk::kCommandHidden);
 }

@@ -23,6 +23,16 @@ class CommandSet {
   void ShowNetworks(std::size_t usable);
   void ShowNetworkManagement(bool shown);
 
+  /// A node that single-node commands can be for.
+  struct Node {
+    std::uint8_t network = kNoNetwork;  ///< from 1
+    std::uint8_t nodeId = 0;
+    std::wstring caption;
+  };
+  /// Gives the slots of every kind their nodes, in order; what is left over has none. Further nodes are
+  /// reached by the commands for chosen nodes.
+  void ShowNodes(const std::vector<Node>& nodes);
+
  private:
   using Action = NCom::ComPtr<ActionBase>;
 

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 
+#include "canopen/vocabulary.h"
 #include "channels/channel_manager.h"
 #include "com/task_text.h"
 #include "common/host_application.h"
@@ -98,6 +99,24 @@ std::vector<ZCONetworkEntry> NetworkEntries() {
   return entries;
 }
 
+std::vector<CommandSet::Node> MenuNodes(const std::vector<ZCONetworkEntry>& entries) {
+  constexpr std::uint32_t kHexadecimal = 16;
+  std::uint32_t numberBase = 0;
+  const auto application = NCommon::HostApplication();
+  if (application) application->GetNumberBase(&numberBase);
+  const wchar_t* const format = numberBase == kHexadecimal ? L"%s (ID %02X)" : L"%s (ID %d)";
+  std::vector<CommandSet::Node> nodes;
+  for (std::size_t network = 0; network < entries.size(); ++network) {
+    const std::wstring prefix = entries.size() > 1 ? entries[network].name + L"::" : std::wstring();
+    for (const NSdo::DatabaseNode& node : entries[network].block->DatabaseNodes()) {
+      if (!NCanopen::IsNodeId(node.nodeId)) continue;
+      nodes.push_back({static_cast<std::uint8_t>(network + 1), static_cast<std::uint8_t>(node.nodeId),
+                       fmt::sprintf(format, prefix + node.name, node.nodeId)});
+    }
+  }
+  return nodes;
+}
+
 void DispatchNmt(NmtKind kind, std::uint8_t network, std::uint8_t target) {
   constexpr std::uint8_t kLastNode = 127;
   const std::vector<ZCONetworkEntry> entries = NetworkEntries();
@@ -106,7 +125,7 @@ void DispatchNmt(NmtKind kind, std::uint8_t network, std::uint8_t target) {
   transmitter.Bind(entries[network - 1u].block.Get());
   const std::uint8_t command = CommandSpecifier(kind);
   if (target > kLastNode) {
-    NNmt::AskHostForNodes(transmitter, command, {});
+    NNmt::AskHostForNodes(transmitter, command);
   } else {
     const NNmt::NmtRequest request{command, target};
     transmitter.SendCommand(&request);

@@ -6,7 +6,7 @@
 
 #include "com/com_ptr.h"
 #include "ig/generator_node.h"
-#include "plugin/actions.h"
+#include "plugin/commands.h"
 
 namespace NPlugin {
 
@@ -16,6 +16,10 @@ struct ZCONetworkEntry {
   NCom::ComPtr<NIg::ZCANopenIGNode> block;
   std::uint32_t channel = 0;
 };
+
+/// The nodes of all entries, as the databases describe them, with their captions: "Drive (ID 5)", or
+/// hexadecimal as the host shows numbers; with more than one entry "CAN 1::Drive (ID 5)".
+std::vector<CommandSet::Node> MenuNodes(const std::vector<ZCONetworkEntry>& entries);
 
 /// Those that a block can send on now, in the host's order.
 std::vector<ZCONetworkEntry> NetworkEntries();

@@ -201,7 +201,10 @@ HRESULT ZPlugIn::OnConfigurationChanged() {
 
 HRESULT ZPlugIn::OnCommandsShown() {
   return NCom::Entry([&] {
-    if (mCommands) mCommands->ShowNetworks(NetworkEntries().size());
+    if (!mCommands) return;
+    const std::vector<ZCONetworkEntry> entries = NetworkEntries();
+    mCommands->ShowNetworks(entries.size());
+    mCommands->ShowNodes(MenuNodes(entries));
   });
 }
 

@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <fstream>
+
 #include "host/buses/bus_factory.h"
 #include "host/buses/candump.h"
 #include "host/runtime/application.h"
@@ -27,6 +29,7 @@ class Dialogs final : public NRuntime::Implements<NSdk::IUserDialogs> {
   }
   HRESULT STDMETHODCALLTYPE SelectNodes(const wchar_t*, const std::uint8_t* candidates, std::uint32_t count,
                                         std::uint8_t* chosen) override {
+    offered.assign(candidates, candidates + count);
     for (std::uint32_t position = 0; position < count; ++position) {
       chosen[position] = std::find(picked.begin(), picked.end(), candidates[position]) != picked.end();
     }
@@ -35,6 +38,7 @@ class Dialogs final : public NRuntime::Implements<NSdk::IUserDialogs> {
 
   std::vector<std::wstring> messages;
   std::vector<std::uint8_t> picked;
+  std::vector<std::uint8_t> offered;
 };
 
 class CommandList final : public NRuntime::Implements<NSdk::ICommandList> {
@@ -85,9 +89,10 @@ class SetupItem final : public NRuntime::Implements<Interface> {
 // A host with the module, on two CAN channels unless told otherwise.
 class Host : private NRuntime::MeasurementObserver {
  public:
-  explicit Host(NSdk::HostVariant variant, std::uint32_t channels = 2, std::uint32_t language = 1)
+  explicit Host(NSdk::HostVariant variant, std::uint32_t channels = 2, std::uint32_t language = 1,
+                const std::filesystem::path& database = {})
       : application(NRuntime::Make<NRuntime::Application>(
-            NRuntime::ApplicationSettings{variant, language, 10}, Configuration(channels))),
+            NRuntime::ApplicationSettings{variant, language, 10}, Configuration(channels, database))),
         measurement(loop, Channels(channels), *this) {
     application->AddService<NSdk::IUserDialogs>(ComPtr<NSdk::IUserDialogs>(dialogs.Get()));
     application->SetMeasuringQuery([this] { return measurement.IsRunning(); });
@@ -129,8 +134,10 @@ class Host : private NRuntime::MeasurementObserver {
   ComPtr<Setup> setup = NRuntime::Make<Setup>();
 
  private:
-  static NRuntime::ConfigurationData Configuration(std::uint32_t channels) {
+  static NRuntime::ConfigurationData Configuration(std::uint32_t channels,
+                                                   const std::filesystem::path& database) {
     NRuntime::ConfigurationData configuration;
+    if (!database.empty()) configuration.databases.push_back({database, 1});
     for (std::uint32_t channel = 1; channel <= channels; ++channel)
       configuration.canChannels.push_back(channel);
     return configuration;
@@ -303,6 +310,42 @@ TEST(HostLife, BlocksAreInsertedAndCommandsReachTheBus) {
     host.application->Commands().CommandsShown();
     EXPECT_EQ(host.State(L"CANopen.Stop.All.1"), 2u);
   }
+}
+
+TEST(HostLife, NodesOfTheDatabasesHaveCommandsOfTheirOwn) {
+  const auto database = std::filesystem::temp_directory_path() / "ostrel menu nodes.dbc";
+  std::ofstream stream(database);
+  stream << "VERSION \"\"\nBU_: A B C D E F G H I J K\nBA_DEF_ BU_ \"CO_ID\" INT 0 127;\n";
+  for (int node = 0; node < 11; ++node) {
+    stream << "BA_ \"CO_ID\" BU_ " << static_cast<char>('A' + node) << " " << 20 - node << ";\n";
+  }
+  stream.close();
+  Host host(NSdk::kHostHalvard, 1, 1, database);
+  const auto caption = [&](const wchar_t* name) {
+    NRuntime::ReceivedText text;
+    host.application->Commands().FindCommand(name)->GetCaption(text.Out());
+    return text.Text();
+  };
+  host.Execute(L"Insert.CANopenIG");
+  host.StartMeasurement();
+  host.application->Commands().CommandsShown();
+  EXPECT_EQ(host.State(L"CANopen.Stop.1"), 0u);
+  EXPECT_EQ(caption(L"CANopen.Stop.1"), L"A (ID 20)");
+  EXPECT_EQ(caption(L"CANopen.Reset.10"), L"J (ID 11)");
+  host.Execute(L"CANopen.Stop.1");
+  host.Execute(L"CANopen.Reset.10");
+  // The eleventh is reached by the command for chosen nodes; the database's nodes stand first there.
+  host.dialogs->picked = {10};
+  host.Execute(L"CANopen.Operational.Nodes.1");
+  EXPECT_THAT(host.TakeFrames(), ElementsAre("can1 000#0214", "can1 000#810B", "can1 000#010A"));
+  EXPECT_EQ(host.dialogs->offered.size(), 127u);
+  EXPECT_THAT(std::vector<std::uint8_t>(host.dialogs->offered.begin(), host.dialogs->offered.begin() + 12),
+              ElementsAre(20, 19, 18, 17, 16, 15, 14, 13, 12, 11, 10, 1));
+  host.StopMeasurement();
+  host.application->Commands().CommandsShown();
+  EXPECT_EQ(host.State(L"CANopen.Stop.1"), 2u);
+  EXPECT_EQ(caption(L"CANopen.Stop.1"), L"Send CANopen NMT Stop");
+  std::filesystem::remove(database);
 }
 
 TEST(HostLife, ContextMenuOffersWhatFitsTheSelection) {
