@@ -59,14 +59,15 @@ std::size_t DbcLexer::FindQuote(std::size_t from) {
 // what stands behind it gives that away: the string then ends with its line, so that no more is lost.
 DbcToken DbcLexer::TakeString() {
   const std::size_t begin = ++mAt;
-  const std::size_t endOfLine = std::min(mText.find_first_of("\r\n", begin), mText.size());
-  std::size_t end = FindQuote(begin);
-  bool closed = end != std::string_view::npos;
-  if (closed && end > endOfLine && end + 1 < mText.size()) {
+  std::size_t end = std::min(FindQuote(begin), mText.size());
+  const std::size_t size = std::min(mText.substr(begin, end - begin).find_first_of("\r\n"), end - begin);
+  const bool hasLines = begin + size < end;
+  bool closed = end < mText.size();
+  if (closed && hasLines && end + 1 < mText.size()) {
     const char behind = mText[end + 1];
     closed = IsBlank(behind) || IsSymbol(behind);
   }
-  if (!closed) end = endOfLine;
+  if (!closed) end = begin + size;
   const DbcToken token = {DbcToken::kString, mText.substr(begin, end - begin), mLine, mOpensLine, !closed};
   mLine += static_cast<std::uint32_t>(std::count(token.text.begin(), token.text.end(), '\n'));
   mAt = closed ? end + 1 : end;
