@@ -56,6 +56,7 @@ class Player final : private NRuntime::MeasurementObserver, private GeneratorLis
   void WaitForEnd();
   void EndWhenIdle();
   bool IsIdle() const;
+  void OnEnd() override;
   void EndByUser();
   ExitStatus Finish();
   void TakeNodes();
@@ -78,6 +79,7 @@ class Player final : private NRuntime::MeasurementObserver, private GeneratorLis
   std::chrono::nanoseconds mStart_utc{};
   std::string mFailedItem;    // until the message comes that says why
   bool mCyclicAsked = false;  // by the user, and there is something to send
+  bool mLogsEnded = false;
   bool mEndedByUser = false;
   bool mWaitsForFrames = false;  // nothing more is sent, but a slow bus has not taken all of it
 };
@@ -173,11 +175,18 @@ void Player::EndWhenIdle() {
   });
 }
 
+// The logs that are replayed are over: cyclic messages would go on for nobody.
+void Player::OnEnd() {
+  mLogsEnded = true;
+  EndWhenIdle();
+}
+
 // Whether the run is over before its time. One with a duration lasts that long, unless it has failed.
 bool Player::IsIdle() const {
   const std::uint32_t activity = mGenerator.Activity();
   if (mOptions.duration && mTally.errors.empty()) return false;
-  if (mOptions.duration || mCyclicAsked) return activity == 0;
+  const bool untilStopped = mOptions.duration || (mCyclicAsked && !mLogsEnded);
+  if (untilStopped) return activity == 0;
   return (activity & NSdk::kSequenceRunning) == 0;
 }
 

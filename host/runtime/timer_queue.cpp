@@ -46,6 +46,7 @@ struct TimerQueue::Schedule : std::enable_shared_from_this<Schedule> {
   std::map<Place, Timer*> due;
   std::uint64_t nextOrder = 0;
   std::optional<Time> alarmTime;
+  std::optional<Time> round;  // its start, while what is due is being run
 };
 
 class TimerQueue::Timer final : public Implements<NSdk::ITimer> {
@@ -129,19 +130,26 @@ void TimerQueue::Schedule::RunDue() {
   const auto kept = shared_from_this();
   alarmTime.reset();
   const Place limit = {loop->Now(), nextOrder};
+  round = limit.deadline;
   while (loop && !due.empty() && due.begin()->first < limit) due.begin()->second->Expire(loop->Now());
+  round.reset();
   SetAlarm();
 }
 
+// Setting an alarm is a call of the system. Within a round all that is due has the same one, which is there
+// for the callback that lets the loop run inside it.
 void TimerQueue::Schedule::SetAlarm() {
   if (!loop) return;
   if (due.empty()) {
     if (alarmTime) alarm->Cancel();
     alarmTime.reset();
-  } else if (alarmTime != due.begin()->first.deadline) {
-    alarmTime = due.begin()->first.deadline;
-    alarm->SetFor(*alarmTime);
+    return;
   }
+  const Time next = due.begin()->first.deadline;
+  const Time wanted = round ? std::max(next, *round) : next;
+  if (alarmTime == wanted) return;
+  alarmTime = wanted;
+  alarm->SetFor(wanted);
 }
 
 TimerQueue::TimerQueue(Loop& loop) : mSchedule(std::make_shared<Schedule>(loop)) {}
