@@ -36,9 +36,10 @@ std::vector<std::unique_ptr<NDevices::DeviceOnBus>> MakeDevices(NRuntime::Loop& 
   return devices;
 }
 
-NRuntime::ConfigurationData MakeConfiguration(const std::vector<ChannelOption>& channels) {
+NRuntime::ConfigurationData MakeConfiguration(const HostOptions& options) {
   NRuntime::ConfigurationData configuration;
-  for (const ChannelOption& channel : channels) configuration.canChannels.push_back(channel.number);
+  for (const ChannelOption& channel : options.channels) configuration.canChannels.push_back(channel.number);
+  if (options.database) configuration.databases.push_back({*options.database, options.databaseChannel});
   return configuration;
 }
 
@@ -74,10 +75,11 @@ class TextDialogs final : public NRuntime::Implements<NSdk::IUserDialogs> {
 
 Host::Host(const HostOptions& options, NRuntime::MeasurementObserver& observer,
            std::function<void(const std::string&)> showMessage)
-    : mDevices(MakeDevices(mLoop, mBuses, options)),
+    : mNames(options.database ? ReadNodeNames(*options.database, options.databaseChannel) : NodeNames()),
+      mDevices(MakeDevices(mLoop, mBuses, options)),
       mMeasurement(mLoop, MakeChannels(mBuses, options.channels), observer),
       mApplication(NRuntime::Make<NRuntime::Application>(
-          NRuntime::ApplicationSettings{options.variant, 1, 10}, MakeConfiguration(options.channels))),
+          NRuntime::ApplicationSettings{options.variant, 1, 10}, MakeConfiguration(options))),
       mModule(options.module.value_or(ProgramFolder() / kModuleName)) {
   mApplication->AddService<NSdk::IUserDialogs>(
       NRuntime::ComPtr<NSdk::IUserDialogs>::Own(new TextDialogs(std::move(showMessage), mPicked)));

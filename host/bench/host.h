@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "host/bench/node_names.h"
 #include "host/buses/bus_factory.h"
 #include "host/devices/device_on_bus.h"
 #include "host/runtime/application.h"
@@ -32,7 +33,9 @@ struct HostOptions {
   std::vector<ChannelOption> channels;  ///< numbers differ
   std::vector<DeviceOption> devices;    ///< on channels of the list
   NSdk::HostVariant variant = NSdk::kHostHalvard;
-  std::optional<std::filesystem::path> module;  ///< empty: the one beside the program
+  std::optional<std::filesystem::path> module;    ///< empty: the one beside the program
+  std::optional<std::filesystem::path> database;  ///< a CAN database, assigned to databaseChannel
+  std::uint32_t databaseChannel = 0;
 };
 
 /// A host without windows: the loop, the channels, the application object and the module, ready for blocks.
@@ -50,12 +53,16 @@ class Host {
   /// Lets the simulated devices boot. Throws std::runtime_error when one cannot join its bus.
   void PowerOnDevices();
 
+  /// Of the database.
+  const NodeNames& Names() const { return mNames; }
+
   NRuntime::AsioLoop& Loop() { return mLoop; }
   NRuntime::Application& Application() { return *mApplication; }
   NRuntime::Module& Module() { return mModule; }
   NRuntime::Measurement& Measurement() { return mMeasurement; }
 
  private:
+  NodeNames mNames;
   NRuntime::AsioLoop mLoop;
   NBuses::BusFactory mBuses{mLoop};
   std::vector<std::unique_ptr<NDevices::DeviceOnBus>> mDevices;

@@ -26,7 +26,9 @@ What is heard, and for how long:
                      logs that are replayed have ended)
   --device NODE      Put a simulated CANopen device on a bus, an I/O device with
                      this node-ID; may be given several times
-  --channel NUMBER   Channel whose bus that is (default: the lowest)
+  --db FILE.dbc      CAN database of the network: it names nodes that have not told
+                     their own name (attribute CO_ID)
+  --channel NUMBER   Channel of the devices and the database (default: the lowest)
   --variant NAME     Kind of host to be, halvard or tesmond (default: halvard)
   --module PATH      Module to load (default: Ostrel.hpi beside this program)
 
@@ -63,7 +65,7 @@ class ScanCommand final : public Command {
 
   // The options as text, before anything is checked.
   HostTexts mHost;
-  std::optional<std::string> mDuration, mLog;
+  std::optional<std::string> mDuration, mLog, mDatabase;
   bool mJson = false;
 };
 
@@ -71,6 +73,7 @@ void ScanCommand::AddOptions(CLI::App& app) {
   mHost.AddOptions(app);
   app.add_option("--for", mDuration);
   app.add_option("--log", mLog);
+  app.add_option("--db", mDatabase);
   app.add_flag("--json", mJson);
 }
 
@@ -78,6 +81,10 @@ ScanOptions ScanCommand::Check() const {
   ScanOptions options;
   options.host = CheckHost(mHost);
   options.json = mJson;
+  if (mDatabase) {
+    options.host.database = NRuntime::ToPath(*mDatabase);
+    options.host.databaseChannel = ChooseChannel(mHost.channel, options.host.channels);
+  }
   if (mDuration) options.duration = ParseSeconds(*mDuration);
   if (mLog) options.log = NRuntime::ToPath(*mLog);
   return options;

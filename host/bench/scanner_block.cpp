@@ -33,6 +33,14 @@ std::optional<std::string> DeviceName(NSdk::ICANopenNode& node) {
   return name;
 }
 
+// A node's own name goes before that of the database.
+void TakeName(const NodeNames& names, ScannedNode& row) {
+  const auto found = names.find({row.channel, row.id});
+  if (row.name || found == names.end()) return;
+  row.name = found->second;
+  row.cells[NSdk::kColumnName] = found->second;
+}
+
 ScannedNode Read(NSdk::IScanner& scanner, NSdk::ICANopenNode& node) {
   ScannedNode row;
   std::uint32_t alive = 0;
@@ -56,10 +64,12 @@ ScannedNode Read(NSdk::IScanner& scanner, NSdk::ICANopenNode& node) {
 
 }  // namespace
 
-ScannerBlock::ScannerBlock(const NRuntime::Module& module, NRuntime::Application& application)
+ScannerBlock::ScannerBlock(const NRuntime::Module& module, NRuntime::Application& application,
+                           NodeNames names)
     : mObject(module.Create(NSdk::kProgIdCANopenScanner)),
       mBlock(NRuntime::Query<NSdk::IPlugInBlock>(mObject)),
-      mScanner(NRuntime::Query<NSdk::IScanner>(mObject)) {
+      mScanner(NRuntime::Query<NSdk::IScanner>(mObject)),
+      mNames(std::move(names)) {
   if (!mBlock || !mScanner) RefuseBlock("is not a scanner");
   const auto site = NRuntime::Make<NRuntime::BlockSite>(application);
   if (FAILED(mBlock->Attach(site.Get()))) RefuseBlock("refuses its place in the host");
@@ -86,6 +96,7 @@ std::vector<ScannedNode> ScannerBlock::Nodes() const {
     if (FAILED(found->GetElement(position, NSdk::IidOf<NSdk::ICANopenNode>(), &node)) || !node) continue;
     nodes.push_back(
         Read(*mScanner, *NRuntime::ComPtr<NSdk::ICANopenNode>::Own(static_cast<NSdk::ICANopenNode*>(node))));
+    TakeName(mNames, nodes.back());
   }
   return nodes;
 }

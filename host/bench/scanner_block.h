@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "host/bench/node_names.h"
 #include "host/runtime/application.h"
 #include "host/runtime/com.h"
 #include "host/runtime/module.h"
@@ -34,9 +35,9 @@ struct NodeTable {
 /// A scanner block of the module, from its creation to its end.
 class ScannerBlock {
  public:
-  /// Creates the block and gives it its place in the host. Throws std::runtime_error when the module has no
-  /// such block or it refuses.
-  ScannerBlock(const NRuntime::Module& module, NRuntime::Application& application);
+  /// Creates the block and gives it its place in the host. `names` are shown for nodes whose own name was not
+  /// heard. Throws std::runtime_error when the module has no such block or it refuses.
+  ScannerBlock(const NRuntime::Module& module, NRuntime::Application& application, NodeNames names);
   ~ScannerBlock();
   ScannerBlock(const ScannerBlock&) = delete;
   ScannerBlock& operator=(const ScannerBlock&) = delete;
@@ -53,6 +54,7 @@ class ScannerBlock {
   NRuntime::ComPtr<NSdk::IPlugInBlock> mBlock;
   NRuntime::ComPtr<NSdk::IScanner> mScanner;
   NRuntime::ComPtr<NSdk::IModel> mModel;
+  NodeNames mNames;
 };
 
 }  // namespace NBench

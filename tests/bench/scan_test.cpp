@@ -161,4 +161,22 @@ TEST(ScanHelp, NamesEveryOption) {
   }
 }
 
+TEST_F(Scan, TheDatabaseNamesNodesThatHaveNotToldTheirName) {
+  const auto database = folder / "net.dbc";
+  NTest::WriteFile(database,
+                   "VERSION \"\"\nBU_: Pump Valve\nBA_DEF_ BU_ \"CO_ID\" INT 0 127;\n"
+                   "BA_ \"CO_ID\" BU_ Pump 5;\nBA_ \"CO_ID\" BU_ Valve 9;\n");
+  const auto outcome =
+      NTest::RunBench("scan --json --for 0.2 --device 5 --device 7 --db " + NTest::Quoted(database), folder);
+  EXPECT_EQ(outcome.status, 0) << outcome.errors;
+  const json nodes = json::parse(outcome.output)["nodes"];
+  ASSERT_EQ(nodes.size(), 2u);
+  EXPECT_EQ(nodes[0]["name"], "Pump");
+  EXPECT_TRUE(nodes[1]["name"].is_null());
+
+  const auto missing = NTest::RunBench("scan --for 0.2 --db " + NTest::Quoted(folder / "none.dbc"), folder);
+  EXPECT_EQ(missing.status, 2);
+  EXPECT_THAT(missing.errors, HasSubstr("none.dbc"));
+}
+
 }  // namespace
