@@ -15,7 +15,7 @@
 #include "com/implements.h"
 #include "scanner/scanner.h"
 #include "sdk/can_frame.h"
-#include "sdk/runtime.h"
+#include "tests/idle_runtime.h"
 
 namespace {
 
@@ -57,22 +57,6 @@ class Message final : public NCom::Implements<NSdk::ICANMessage> {
     *result = value;
     return S_OK;
   }
-};
-
-class IdleTimer final : public NCom::Implements<NSdk::ITimer> {
- public:
-  HRESULT STDMETHODCALLTYPE Stop() override { return S_OK; }
-  HRESULT STDMETHODCALLTYPE Start(std::uint32_t, std::uint32_t) override { return S_OK; }
-};
-
-class Runtime final : public NCom::Implements<NSdk::IRuntime> {
- public:
-  HRESULT STDMETHODCALLTYPE CreateTimer(NSdk::ITimerSink*, NSdk::ITimer** timer) override {
-    *timer = NCom::Make<IdleTimer>().Detach();
-    return S_OK;
-  }
-  HRESULT STDMETHODCALLTYPE GetCanOutput(std::uint32_t, NSdk::ICANOutput**) override { return E_INVALIDARG; }
-  HRESULT STDMETHODCALLTYPE GetTime(std::int64_t*) override { return E_FAIL; }
 };
 
 // ---- frames
@@ -148,7 +132,7 @@ double Seconds() { return static_cast<double>(std::clock()) / CLOCKS_PER_SEC; }
 class Bench {
  public:
   Bench() {
-    const auto runtime = NCom::Make<Runtime>();
+    const auto runtime = NCom::Make<NTest::IdleRuntime>();
     mScanner->StartMeasurement(runtime.Get());
     Play(OnAllChannels({Heartbeats}));
   }

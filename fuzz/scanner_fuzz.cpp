@@ -12,7 +12,7 @@
 #include "com/task_text.h"
 #include "fuzz/input.h"
 #include "scanner/scanner.h"
-#include "sdk/runtime.h"
+#include "tests/idle_runtime.h"
 
 namespace {
 
@@ -64,23 +64,6 @@ class Message final : public NCom::Implements<NSdk::ICANMessage> {
   std::uint8_t data[8] = {};
 };
 
-class IdleTimer final : public NCom::Implements<NSdk::ITimer> {
- public:
-  HRESULT STDMETHODCALLTYPE Stop() override { return S_OK; }
-  HRESULT STDMETHODCALLTYPE Start(std::uint32_t, std::uint32_t) override { return S_OK; }
-};
-
-class Runtime final : public NCom::Implements<NSdk::IRuntime> {
- public:
-  HRESULT STDMETHODCALLTYPE CreateTimer(NSdk::ITimerSink*, NSdk::ITimer** timer) override {
-    *timer = NCom::Make<IdleTimer>().Detach();
-    return S_OK;
-  }
-  // A scanner has no business with an output.
-  HRESULT STDMETHODCALLTYPE GetCanOutput(std::uint32_t, NSdk::ICANOutput**) override { std::abort(); }
-  HRESULT STDMETHODCALLTYPE GetTime(std::int64_t*) override { return E_FAIL; }
-};
-
 void ReadRow(NScanner::ZCANopenScanner& scanner, NSdk::ICANopenNode& node) {
   NCom::TaskText text;
   std::uint32_t image = 99;
@@ -108,7 +91,7 @@ void ReadTable(NScanner::ZCANopenScanner& scanner) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   NFuzz::Input input(data, size);
   const auto scanner = NCom::Make<NScanner::ZCANopenScanner>();
-  const auto runtime = NCom::Make<Runtime>();
+  const auto runtime = NCom::Make<NTest::IdleRuntime>();
   Require(scanner->StartMeasurement(runtime.Get()) == S_OK);
   while (!input.IsEmpty()) {
     const unsigned operation = input.Byte();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -7,6 +9,16 @@
 #include "host/runtime/can_adapter.h"
 
 namespace NTest {
+
+/// What an action that must be refused says.
+inline std::string Refusal(const std::function<void()>& action) {
+  try {
+    action();
+  } catch (const std::runtime_error& error) {
+    return error.what();
+  }
+  return "nothing was refused";
+}
 
 /// Notes what an adapter reports.
 struct Listener : NRuntime::CanAdapterEvents {

@@ -17,18 +17,10 @@
 namespace {
 
 using namespace std::chrono_literals;
+using NTest::Refusal;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-
-std::string Refusal(const std::function<void()>& action) {
-  try {
-    action();
-  } catch (const std::runtime_error& error) {
-    return error.what();
-  }
-  return "nothing was refused";
-}
 
 // Two virtual buses, can1 and can2, and what was told of the clients.
 class ServerThread {

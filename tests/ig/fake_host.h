@@ -11,6 +11,7 @@
 #include "com/implements.h"
 #include "com/task_text.h"
 #include "common/host_application.h"
+#include "sdk/persistence.h"
 #include "sdk/runtime.h"
 
 namespace NTest {
@@ -93,6 +94,20 @@ class FakeDialogs final : public NCom::Implements<NSdk::IUserDialogs> {
   std::vector<std::wstring> messages;
   std::vector<std::uint32_t> icons;
   std::function<void()> whileShown;
+};
+
+/// Settings of a block: text by key.
+class FakeStore final : public NCom::Implements<NSdk::IPersistReader, NSdk::IPersistWriter> {
+ public:
+  HRESULT STDMETHODCALLTYPE ReadText(const wchar_t* key, wchar_t** value) override {
+    const auto found = values.find(key);
+    return found == values.end() ? E_FAIL : NCom::HandOut(found->second, value);
+  }
+  HRESULT STDMETHODCALLTYPE WriteText(const wchar_t* key, const wchar_t* value) override {
+    values[key] = value;
+    return S_OK;
+  }
+  std::map<std::wstring, std::wstring> values;
 };
 
 /// A configuration with a path and nothing else.

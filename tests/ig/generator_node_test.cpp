@@ -16,20 +16,6 @@ using NIg::ZCANopenIGNode;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-// The host's configuration: text by key.
-class Store final : public NCom::Implements<NSdk::IPersistReader, NSdk::IPersistWriter> {
- public:
-  HRESULT STDMETHODCALLTYPE ReadText(const wchar_t* key, wchar_t** value) override {
-    const auto found = values.find(key);
-    return found == values.end() ? E_FAIL : NCom::HandOut(found->second, value);
-  }
-  HRESULT STDMETHODCALLTYPE WriteText(const wchar_t* key, const wchar_t* value) override {
-    values[key] = value;
-    return S_OK;
-  }
-  std::map<std::wstring, std::wstring> values;
-};
-
 class Site final : public NCom::Implements<NSdk::IBlockSite> {
  public:
   HRESULT STDMETHODCALLTYPE GetApplication(NSdk::IHostApplication**) override { return E_FAIL; }
@@ -97,7 +83,7 @@ class GeneratorNode : public testing::Test {
 };
 
 TEST_F(GeneratorNode, KeepsItsSettingsAndRefusesNumbersOutOfRange) {
-  const auto store = NCom::Make<Store>();
+  const auto store = NCom::Make<NTest::FakeStore>();
   store->values = {{L"Name", L"Pump \u00e4"},
                    {L"SvcDelay", L"100000"},
                    {L"SDOTimeout", L"49"},
@@ -119,7 +105,7 @@ TEST_F(GeneratorNode, KeepsItsSettingsAndRefusesNumbersOutOfRange) {
 TEST_F(GeneratorNode, ReloadsTheSequenceThatItRemembers) {
   const auto path =
       Write("line.seq", "<CANopenIG><Sequence><SYNC Enabled=\"1\"/></Sequence><CyclicMsgs/></CANopenIG>");
-  const auto store = NCom::Make<Store>();
+  const auto store = NCom::Make<NTest::FakeStore>();
   host->configuration = NCom::Make<NTest::FakeConfiguration>((folder / "line.json").wstring());
   ASSERT_EQ(node->LoadSequence(path.wstring().c_str(), nullptr), S_OK);
   EXPECT_EQ(node->Save(store.Get()), S_OK);
@@ -201,7 +187,7 @@ TEST_F(GeneratorNode, AFileThatCannotBeLoadedChangesNothingAndSaysWhy) {
 }
 
 TEST_F(GeneratorNode, AChannelThatIsNotThereKeepsTheBlockOutOfTheMeasurement) {
-  const auto store = NCom::Make<Store>();
+  const auto store = NCom::Make<NTest::FakeStore>();
   store->values = {{L"CANChannel", L"7"}};
   node->Load(store.Get());
   EXPECT_EQ(node->StartMeasurement(host.Get()), E_INVALIDARG);

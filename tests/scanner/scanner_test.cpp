@@ -312,19 +312,7 @@ TEST(ScannerModel, MissingObjectsAreProgrammingErrors) {
 }
 
 TEST(ScannerBlock, KeepsItsSettings) {
-  class Store final : public NCom::Implements<NSdk::IPersistReader, NSdk::IPersistWriter> {
-   public:
-    HRESULT STDMETHODCALLTYPE ReadText(const wchar_t* key, wchar_t** value) override {
-      const auto found = values.find(key);
-      return found == values.end() ? S_FALSE : NCom::HandOut(found->second, value);
-    }
-    HRESULT STDMETHODCALLTYPE WriteText(const wchar_t* key, const wchar_t* value) override {
-      values[key] = value;
-      return S_OK;
-    }
-    std::map<std::wstring, std::wstring> values;
-  };
-  const auto store = NCom::Make<Store>();
+  const auto store = NCom::Make<FakeStore>();
   const auto scanner = NCom::Make<NScanner::ZCANopenScanner>();
   NCom::TaskText name;
   scanner->GetName(name.Receive());
