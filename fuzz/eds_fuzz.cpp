@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <string>
+#include <type_traits>
 
 #include "host/codescrldr/data_types.h"
 #include "host/codescrldr/description_reader.h"
@@ -19,7 +20,7 @@ void Require(bool condition) {
   if (!condition) std::abort();
 }
 
-void CheckValue(const Object& object, const std::string& text, std::optional<std::uint32_t> nodeId) {
+void CheckValue(const SubObject& object, const std::string& text, std::optional<std::uint32_t> nodeId) {
   if (text.empty()) return;
   const DataTypeRow* const type = FindDataType(object.dataType);
   const auto bytes = ReadBytes(object.dataType, text, nodeId);
@@ -29,16 +30,17 @@ void CheckValue(const Object& object, const std::string& text, std::optional<std
   Require(!ReadReal(object.dataType, text) || bytes);
 }
 
-void CheckObjects(const std::vector<Object>& objects, std::optional<std::uint32_t> nodeId) {
-  const Object* last = nullptr;
-  for (const Object& object : objects) {
+template <class Item>
+void CheckObjects(const std::vector<Item>& objects, std::optional<std::uint32_t> nodeId) {
+  const Item* last = nullptr;
+  for (const Item& object : objects) {
     Require(!last || last->index < object.index || last->subindex < object.subindex);
     Require(object.access <= CODESCRLDR::kReadWriteOutput);
     for (const std::string* text :
          {&object.value, &object.defaultValue, &object.lowLimit, &object.highLimit}) {
       CheckValue(object, *text, nodeId);
     }
-    CheckObjects(object.subObjects, nodeId);
+    if constexpr (std::is_same_v<Item, Object>) CheckObjects(object.subObjects, nodeId);
     last = &object;
   }
 }

@@ -28,26 +28,28 @@ std::wstring Digits(unsigned number, int count) {
   return NRuntime::ToWide(text);
 }
 
-std::wstring RangeText(const DescribedObject& object) {
+std::wstring RangeText(const DescribedSubObject& object) {
   if (!object.low && !object.high) return {};
   return Printable(object.low.value_or("") + ".." + object.high.value_or(""));
 }
 
-std::wstring NameText(const DescribedObject& object, bool isSub) {
+std::wstring NameText(const DescribedSubObject& object, bool isSub) {
   std::wstring name = Printable(object.name);
   if (name.size() > kLongestName) name = name.substr(0, kLongestName - 3) + L"...";
   return (isSub ? L"  " : L"") + name;
 }
 
-void AddRows(std::vector<Row>& rows, const std::vector<DescribedObject>& objects, bool areSubs) {
-  for (const DescribedObject& object : objects) {
-    const bool isWhole = object.subObjects.empty();
-    rows.push_back({Digits(object.index, 4), areSubs ? Digits(object.subindex, 2) : L"",
-                    NameText(object, areSubs), Printable(object.type),
-                    isWhole ? Printable(object.access) : L"", isWhole && object.mappable ? L"P" : L"",
-                    isWhole ? RangeText(object) : L"", isWhole ? Printable(object.value.value_or("")) : L""});
-    AddRows(rows, object.subObjects, true);
-  }
+Row SubObjectRow(const DescribedSubObject& object, bool isSub) {
+  return {Digits(object.index, 4),  isSub ? Digits(object.subindex, 2) : L"",
+          NameText(object, isSub),  Printable(object.type),
+          Printable(object.access), object.mappable ? L"P" : L"",
+          RangeText(object),        Printable(object.value.value_or(""))};
+}
+
+void AddRows(const DescribedObject& object, std::vector<Row>& rows) {
+  if (object.subObjects.empty()) return rows.push_back(SubObjectRow(object, false));
+  rows.push_back({Digits(object.index, 4), L"", NameText(object, false), Printable(object.type)});
+  for (const DescribedSubObject& sub : object.subObjects) rows.push_back(SubObjectRow(sub, true));
 }
 
 std::string TableText(const std::vector<Row>& rows) {
@@ -92,7 +94,7 @@ std::string HeadText(const DeviceDescription& description) {
 
 std::string DescriptionText(const DeviceDescription& description) {
   std::vector<Row> rows = {{L"Index", L"Sub", L"Name", L"Type", L"Access", L"PDO", L"Range", L"Value"}};
-  AddRows(rows, description.objects, false);
+  for (const DescribedObject& object : description.objects) AddRows(object, rows);
   return HeadText(description) + TableText(rows) + Count(description.objects.size(), "object") + ", " +
          Count(CountValues(description.objects), "value") + ", " +
          (description.warnings.empty() ? "no warnings" : Count(description.warnings.size(), "warning")) +
@@ -104,25 +106,29 @@ Json OrNull(const std::optional<Value>& value) {
   return value ? Json(*value) : Json(nullptr);
 }
 
-Json ObjectDocuments(const std::vector<DescribedObject>& objects, bool areSubs) {
-  Json documents = Json::array();
-  for (const DescribedObject& object : objects) {
-    Json document = {{"index", object.index}};
-    if (areSubs) document["subindex"] = object.subindex;
-    document.update(Json{{"name", object.name},
-                         {"objectType", object.objectType},
-                         {"dataType", object.dataType},
-                         {"type", object.type},
-                         {"access", object.access},
-                         {"mappable", object.mappable},
-                         {"value", OrNull(object.value)},
-                         {"number", OrNull(object.number)},
-                         {"low", OrNull(object.low)},
-                         {"high", OrNull(object.high)}});
-    if (!areSubs) document["subObjects"] = ObjectDocuments(object.subObjects, true);
-    documents.push_back(std::move(document));
+void AddValues(const DescribedSubObject& object, Json& document) {
+  document.update(Json{{"name", object.name},
+                       {"objectType", object.objectType},
+                       {"dataType", object.dataType},
+                       {"type", object.type},
+                       {"access", object.access},
+                       {"mappable", object.mappable},
+                       {"value", OrNull(object.value)},
+                       {"number", OrNull(object.number)},
+                       {"low", OrNull(object.low)},
+                       {"high", OrNull(object.high)}});
+}
+
+Json ObjectDocument(const DescribedObject& object) {
+  Json document = {{"index", object.index}};
+  AddValues(object, document);
+  document["subObjects"] = Json::array();
+  for (const DescribedSubObject& sub : object.subObjects) {
+    Json subDocument = {{"index", sub.index}, {"subindex", sub.subindex}};
+    AddValues(sub, subDocument);
+    document["subObjects"].push_back(std::move(subDocument));
   }
-  return documents;
+  return document;
 }
 
 Json DescriptionDocument(const DeviceDescription& description) {
@@ -130,8 +136,11 @@ Json DescriptionDocument(const DeviceDescription& description) {
                    {"product", description.product},
                    {"nodeId", OrNull(description.nodeId)},
                    {"bitRate", OrNull(description.bitRate)},
-                   {"objects", ObjectDocuments(description.objects, false)},
+                   {"objects", Json::array()},
                    {"warnings", Json::array()}};
+  for (const DescribedObject& object : description.objects) {
+    document["objects"].push_back(ObjectDocument(object));
+  }
   for (const DescriptionWarning& warning : description.warnings) {
     document["warnings"].push_back({{"line", warning.line}, {"code", warning.code}, {"text", warning.text}});
   }

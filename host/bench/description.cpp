@@ -53,10 +53,7 @@ std::optional<std::int64_t> ValueNumber(ZCOObject& object) {
   return value && SUCCEEDED(value->GetNumber(&number)) ? std::optional(number) : std::nullopt;
 }
 
-std::vector<DescribedObject> ReadList(ZCOObjectList& list);
-
-DescribedObject ReadObject(ZCOObject& object) {
-  DescribedObject described;
+void ReadValues(ZCOObject& object, DescribedSubObject& described) {
   Check(object.GetIndex(&described.index, &described.subindex));
   described.name = GetText(object, &ZCOObject::GetName);
   described.type = GetText(object, &ZCOObject::GetTypeName);
@@ -69,20 +66,22 @@ DescribedObject ReadObject(ZCOObject& object) {
   described.low = ValueText(object, &ZCOObject::GetLowLimit);
   described.high = ValueText(object, &ZCOObject::GetHighLimit);
   described.number = ValueNumber(object);
-  ComPtr<ZCOObjectList> subObjects;
-  Check(object.GetSubObjects(subObjects.Out()));
-  described.subObjects = ReadList(*subObjects);
-  return described;
 }
 
-std::vector<DescribedObject> ReadList(ZCOObjectList& list) {
-  std::vector<DescribedObject> objects;
+template <class Read>
+void ForEach(ZCOObjectList& list, Read read) {
   ComPtr<ZCOObjectListIter> iterator;
   Check(list.GetIterator(iterator.Out()));
-  for (ComPtr<ZCOObject> object; iterator->Next(object.Out()) == S_OK;) {
-    objects.push_back(ReadObject(*object));
-  }
-  return objects;
+  for (ComPtr<ZCOObject> object; iterator->Next(object.Out()) == S_OK;) read(*object);
+}
+
+DescribedObject ReadObject(ZCOObject& object) {
+  DescribedObject described;
+  ReadValues(object, described);
+  ComPtr<ZCOObjectList> subObjects;
+  Check(object.GetSubObjects(subObjects.Out()));
+  ForEach(*subObjects, [&](ZCOObject& sub) { ReadValues(sub, described.subObjects.emplace_back()); });
+  return described;
 }
 
 DescriptionWarning ReadFinding(ZCODescrLdr& loader, std::uint32_t position) {
@@ -120,7 +119,7 @@ DeviceDescription LoadDescription(const std::filesystem::path& file, std::option
   if (loader->GetBitRate(&number) == S_OK) description.bitRate = number;
   ComPtr<ZCOObjectList> objects;
   Check(loader->GetObjects(objects.Out()));
-  description.objects = ReadList(*objects);
+  ForEach(*objects, [&](ZCOObject& object) { description.objects.push_back(ReadObject(object)); });
   return description;
 }
 

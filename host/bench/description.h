@@ -9,7 +9,7 @@
 
 namespace NBench {
 
-struct DescribedObject {
+struct DescribedSubObject {
   std::uint16_t index = 0;
   std::uint8_t subindex = 0;
   std::string name, type, access;
@@ -17,7 +17,10 @@ struct DescribedObject {
   bool mappable = false;
   std::optional<std::string> value, low, high;
   std::optional<std::int64_t> number;  ///< of the value, where it is one
-  std::vector<DescribedObject> subObjects;
+};
+
+struct DescribedObject : DescribedSubObject {
+  std::vector<DescribedSubObject> subObjects;
 };
 
 struct DescriptionWarning {

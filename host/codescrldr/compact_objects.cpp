@@ -41,9 +41,9 @@ constexpr PdoEntry kPdoEntries[] = {
     {"Event timer", kUnsigned16, "0"},  {"SYNC start value", kUnsigned8, "0"},
 };
 
-Object* FindSub(Object& object, std::uint64_t subindex) {
+SubObject* FindSub(Object& object, std::uint64_t subindex) {
   const auto found = std::find_if(object.subObjects.begin(), object.subObjects.end(),
-                                  [&](const Object& sub) { return sub.subindex == subindex; });
+                                  [&](const SubObject& sub) { return sub.subindex == subindex; });
   return found == object.subObjects.end() ? nullptr : &*found;
 }
 
@@ -55,8 +55,8 @@ bool IsWrittenCount(std::uint16_t index) {
          (index >= transmit && index < transmit + kMappingOffset);
 }
 
-Object MakeCount(const Object& parent, std::uint32_t count) {
-  Object sub;
+SubObject MakeCount(const SubObject& parent, std::uint32_t count) {
+  SubObject sub;
   sub.index = parent.index;
   sub.name = "NrOfObjects";
   sub.dataType = kUnsigned8;
@@ -67,7 +67,7 @@ Object MakeCount(const Object& parent, std::uint32_t count) {
 
 void SortSubs(Object& object) {
   std::stable_sort(object.subObjects.begin(), object.subObjects.end(),
-                   [](const Object& a, const Object& b) { return a.subindex < b.subindex; });
+                   [](const SubObject& a, const SubObject& b) { return a.subindex < b.subindex; });
 }
 
 // The numbers that lists like these use as keys.
@@ -81,9 +81,9 @@ Object MakeParameter(const PdoKind& kind, std::uint32_t number, std::uint32_t ma
   object.index = static_cast<std::uint16_t>(kind.parameter + number);
   object.name = std::string(kind.name) + " " + std::to_string(number + 1) + " parameter";
   object.objectType = kObjectRecord;
-  for (std::uint8_t i = 0; i < std::size(kPdoEntries); ++i) {
+  for (std::size_t i = 0; i < std::size(kPdoEntries); ++i) {
     if ((mask & (1u << i)) == 0) continue;
-    Object sub;
+    SubObject sub;
     sub.index = object.index;
     sub.subindex = static_cast<std::uint8_t>(i + 1);
     sub.name = kPdoEntries[i].name;
@@ -135,8 +135,7 @@ void AddPdos(std::map<std::uint16_t, Object>& objects, const PdoKind& kind, std:
 
 void AddCompactSubObjects(Object& object, std::uint32_t count) {
   if (!FindSub(object, 0)) object.subObjects.push_back(MakeCount(object, count));
-  Object pattern = object;
-  pattern.subObjects.clear();
+  SubObject pattern = object;
   pattern.objectType = kObjectVar;
   for (std::uint32_t place = 1; place <= count; ++place) {
     if (FindSub(object, place)) continue;
@@ -149,14 +148,14 @@ void AddCompactSubObjects(Object& object, std::uint32_t count) {
 
 void NameCompactSubObjects(Object& object, const IniSection& names) {
   for (const IniKey& key : names.keys) {
-    Object* const sub = FindSub(object, NumberOf(key.key));
+    SubObject* const sub = FindSub(object, NumberOf(key.key));
     if (sub && !key.value.empty() && NumberOf(key.key) != 0) sub->name = Shortened(Unquoted(key.value), 1024);
   }
 }
 
 void SetCompactValues(Object& object, const IniSection& values, ObjectReader& reader) {
   for (const IniKey& key : values.keys) {
-    Object* const sub = FindSub(object, NumberOf(key.key));
+    SubObject* const sub = FindSub(object, NumberOf(key.key));
     if (!sub || key.value.empty() || NumberOf(key.key) == 0) continue;
     reader.CheckValue(key, sub->dataType);
     sub->value = key.value;

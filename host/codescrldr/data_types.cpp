@@ -96,7 +96,7 @@ std::vector<std::uint8_t> Utf16(std::string_view text) {
     bytes.push_back(static_cast<std::uint8_t>(unit >> 8));
   };
   for (const wchar_t c : NRuntime::ToWide(text)) {
-    const auto code = static_cast<std::uint32_t>(c);
+    const auto code = static_cast<char32_t>(c);
     if (code >= 0x10000) add(0xD800 + ((code - 0x10000) >> 10));
     add(code >= 0x10000 ? 0xDC00 + (code & 0x3FF) : code);
   }

@@ -12,7 +12,8 @@
 
 namespace NDescriptions {
 
-struct Object {
+/// A value, or an object with several.
+struct SubObject {
   std::uint16_t index = 0;
   std::uint8_t subindex = 0;
   std::string name;
@@ -22,7 +23,10 @@ struct Object {
   bool isMappable = false;
   std::uint32_t flags = 0;
   std::string value, defaultValue, lowLimit, highLimit;  ///< as in the file; empty: none
-  std::vector<Object> subObjects;                        ///< in the order of their sub-indices
+};
+
+struct Object : SubObject {
+  std::vector<SubObject> subObjects;  ///< in the order of their sub-indices
 };
 
 struct Description {

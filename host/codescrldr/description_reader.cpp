@@ -16,7 +16,7 @@ constexpr std::uint16_t kFirstReal = 0x1000;  // below stand the data types
 constexpr std::uint32_t kMostPdos = 512;
 constexpr std::uint32_t kMaxNode = 127;
 constexpr std::uint32_t kLssUnconfigured = 255;
-constexpr std::uint32_t kMostBitRate_kbit = 10'000;
+constexpr std::uint32_t kMostBitRate = 10'000;  // in kbit/s
 constexpr const char* kListNames[] = {"MandatoryObjects", "OptionalObjects", "ManufacturerObjects"};
 
 std::string IndexText(std::uint16_t index) {
@@ -106,7 +106,7 @@ Description Reader::Read() {
   AddPdos();
   CheckLists();
   if (const IniSection* const section = Commissioning()) {
-    const auto bitRate = mObjectReader.ReadNumber(*section, "Baudrate", kMostBitRate_kbit);
+    const auto bitRate = mObjectReader.ReadNumber(*section, "Baudrate", kMostBitRate);
     if (bitRate && *bitRate != 0) mDescription.bitRate = static_cast<std::uint32_t>(*bitRate * 1000);
   }
   mDescription.isRecognised = mHasList || !mObjects.empty();
@@ -178,7 +178,10 @@ bool Reader::TakeRoom(std::size_t count, std::uint32_t line) {
 Object Reader::ReadWhole(std::uint16_t index, const Parts& parts) {
   if (parts.object) {
     const auto compact = mObjectReader.ReadNumber(*parts.object, "CompactSubObj", 0xFFFF);
-    return mObjectReader.Read(*parts.object, index, 0, parts.subObjects.empty() && !compact.value_or(0));
+    Object object;
+    static_cast<SubObject&>(object) =
+        mObjectReader.Read(*parts.object, index, 0, parts.subObjects.empty() && !compact.value_or(0));
+    return object;
   }
   Add(kWarnMissingSection, parts.subObjects.begin()->second->line,
       "[" + IndexText(index) + "] is missing; a record without a name is assumed for its sub-objects");

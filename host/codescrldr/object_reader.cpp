@@ -78,7 +78,7 @@ void ObjectReader::CheckValue(const IniKey& key, std::uint32_t dataType) {
   }
 }
 
-void ObjectReader::ReadType(const IniSection& section, bool isWhole, Object& object) {
+void ObjectReader::ReadType(const IniSection& section, bool isWhole, SubObject& object) {
   const auto objectType = ReadNumber(section, "ObjectType", kAnyNumber);
   object.objectType = static_cast<std::uint32_t>(objectType.value_or(isWhole ? kObjectVar : kObjectRecord));
   if (!IsObjectType(object.objectType)) {
@@ -101,7 +101,7 @@ void ObjectReader::ReadType(const IniSection& section, bool isWhole, Object& obj
   }
 }
 
-void ObjectReader::ReadAccess(const IniSection& section, bool isWhole, Object& object) {
+void ObjectReader::ReadAccess(const IniSection& section, bool isWhole, SubObject& object) {
   const IniKey* const found = section.Find("AccessType");
   if (!found || found->value.empty()) {
     if (isWhole && object.objectType == kObjectVar) {
@@ -127,9 +127,9 @@ std::string ObjectReader::ReadValue(const IniSection& section, std::string_view 
   return std::string(found->value);
 }
 
-Object ObjectReader::Read(const IniSection& section, std::uint16_t index, std::uint8_t subindex,
-                          bool isWhole) {
-  Object object;
+SubObject ObjectReader::Read(const IniSection& section, std::uint16_t index, std::uint8_t subindex,
+                             bool isWhole) {
+  SubObject object;
   object.index = index;
   object.subindex = subindex;
   const IniKey* name = section.Find("Denotation");

@@ -14,7 +14,7 @@ class ObjectReader {
       : mFindings(findings), mNodeId(nodeId) {}
 
   /// `isWhole`: it has no sub-objects, so that it must have a data type and an access of its own.
-  Object Read(const IniSection& section, std::uint16_t index, std::uint8_t subindex, bool isWhole);
+  SubObject Read(const IniSection& section, std::uint16_t index, std::uint8_t subindex, bool isWhole);
   /// A number, with a finding when the text is none. Empty: no such key, no value or no number.
   std::optional<std::uint64_t> ReadNumber(const IniSection& section, std::string_view key,
                                           std::uint64_t most);
@@ -22,8 +22,8 @@ class ObjectReader {
   void CheckValue(const IniKey& key, std::uint32_t dataType);
 
  private:
-  void ReadType(const IniSection& section, bool isWhole, Object& object);
-  void ReadAccess(const IniSection& section, bool isWhole, Object& object);
+  void ReadType(const IniSection& section, bool isWhole, SubObject& object);
+  void ReadAccess(const IniSection& section, bool isWhole, SubObject& object);
   std::string ReadValue(const IniSection& section, std::string_view key, std::uint32_t dataType);
 
   Findings& mFindings;

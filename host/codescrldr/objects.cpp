@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <optional>
+#include <type_traits>
 
 #include "host/codescrldr/data_types.h"
 #include "host/codescrldr/ini_text.h"
@@ -103,9 +104,14 @@ class ValueObject final : public NRuntime::Implements<ZCOObjectValue> {
   const std::string& mText;
 };
 
+const std::vector<SubObject> kNoSubObjects;
+
 class ObjectObject final : public NRuntime::Implements<ZCOObject> {
  public:
-  ObjectObject(Content content, const Object& object) : mContent(std::move(content)), mObject(object) {}
+  ObjectObject(Content content, const SubObject& object)
+      : ObjectObject(std::move(content), object, kNoSubObjects) {}
+  ObjectObject(Content content, const Object& object)
+      : ObjectObject(std::move(content), object, object.subObjects) {}
 
   HRESULT STDMETHODCALLTYPE GetIndex(std::uint16_t* index, std::uint8_t* subindex) override {
     if (index) *index = mObject.index;
@@ -150,14 +156,12 @@ class ObjectObject final : public NRuntime::Implements<ZCOObject> {
   HRESULT STDMETHODCALLTYPE GetHighLimit(ZCOObjectValue** value) override {
     return HandOutValue(mObject.highLimit, value);
   }
-  HRESULT STDMETHODCALLTYPE GetSubObjects(ZCOObjectList** objects) override {
-    return HandOutList(mContent, mObject.subObjects, objects);
-  }
+  HRESULT STDMETHODCALLTYPE GetSubObjects(ZCOObjectList** objects) override;
 
  private:
   std::string TypeName() const {
     const DataTypeRow* const row = FindDataType(mObject.dataType);
-    if (!mObject.subObjects.empty() || (!row && mObject.dataType == 0)) {
+    if (!mSubObjects.empty() || (!row && mObject.dataType == 0)) {
       if (mObject.objectType == kObjectArray) return "ARRAY";
       if (mObject.objectType == kObjectRecord) return "RECORD";
     }
@@ -168,13 +172,18 @@ class ObjectObject final : public NRuntime::Implements<ZCOObject> {
     return text.empty() ? S_FALSE : HandOutNew<ValueObject>(value, mContent, mObject.dataType, text);
   }
 
+  ObjectObject(Content content, const SubObject& object, const std::vector<SubObject>& subObjects)
+      : mContent(std::move(content)), mObject(object), mSubObjects(subObjects) {}
+
   const Content mContent;
-  const Object& mObject;
+  const SubObject& mObject;
+  const std::vector<SubObject>& mSubObjects;
 };
 
+template <class Item>
 class Iterator final : public NRuntime::Implements<ZCOObjectListIter> {
  public:
-  Iterator(Content content, const std::vector<Object>& objects)
+  Iterator(Content content, const std::vector<Item>& objects)
       : mContent(std::move(content)), mObjects(objects) {}
 
   HRESULT STDMETHODCALLTYPE Next(ZCOObject** object) override {
@@ -190,14 +199,14 @@ class Iterator final : public NRuntime::Implements<ZCOObjectListIter> {
 
  private:
   const Content mContent;
-  const std::vector<Object>& mObjects;
+  const std::vector<Item>& mObjects;
   std::size_t mNext = 0;
 };
 
+template <class Item>
 class List final : public NRuntime::Implements<ZCOObjectList> {
  public:
-  List(Content content, const std::vector<Object>& objects)
-      : mContent(std::move(content)), mObjects(objects) {}
+  List(Content content, const std::vector<Item>& objects) : mContent(std::move(content)), mObjects(objects) {}
 
   HRESULT STDMETHODCALLTYPE GetCount(std::uint32_t* count) override {
     return HandOut(static_cast<std::uint32_t>(mObjects.size()), count);
@@ -207,27 +216,30 @@ class List final : public NRuntime::Implements<ZCOObjectList> {
                                       : E_INVALIDARG;
   }
   HRESULT STDMETHODCALLTYPE Find(std::uint16_t number, ZCOObject** object) override {
-    const bool areSubs = &mObjects != &mContent->objects;
-    const auto numberOf = [&](const Object& one) {
-      return areSubs ? std::uint16_t{one.subindex} : one.index;
+    const auto numberOf = [](const Item& one) {
+      return std::is_same_v<Item, Object> ? one.index : std::uint16_t{one.subindex};
     };
     const auto found = std::ranges::lower_bound(mObjects, number, {}, numberOf);
     if (found == mObjects.end() || numberOf(*found) != number) return S_FALSE;
     return HandOutNew<ObjectObject>(object, mContent, *found);
   }
   HRESULT STDMETHODCALLTYPE GetIterator(ZCOObjectListIter** iterator) override {
-    return HandOutNew<Iterator>(iterator, mContent, mObjects);
+    return HandOutNew<Iterator<Item>>(iterator, mContent, mObjects);
   }
 
  private:
   const Content mContent;
-  const std::vector<Object>& mObjects;
+  const std::vector<Item>& mObjects;
 };
+
+HRESULT ObjectObject::GetSubObjects(ZCOObjectList** objects) {
+  return HandOutNew<List<SubObject>>(objects, mContent, mSubObjects);
+}
 
 }  // namespace
 
 HRESULT HandOutList(const Content& content, const std::vector<Object>& objects, ZCOObjectList** result) {
-  return HandOutNew<List>(result, content, objects);
+  return HandOutNew<List<Object>>(result, content, objects);
 }
 
 }  // namespace NDescriptions

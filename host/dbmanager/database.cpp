@@ -127,7 +127,7 @@ class MessageObject final : public WithAttributes<NSdk::ICanDatabaseMessage> {
 
 class DatabaseObject final : public WithAttributes<NSdk::ICanDatabase> {
  public:
-  DatabaseObject(const std::filesystem::path& path, Content content)
+  DatabaseObject(const std::filesystem::path& path, const Content& content)
       : WithAttributes(content, ObjectKind::Network, content->attributes), mPath(NRuntime::PathText(path)) {}
   HRESULT STDMETHODCALLTYPE GetPath(wchar_t** path) override { return HandOutText(mPath, path); }
   HRESULT STDMETHODCALLTYPE GetComment(wchar_t** comment) override {

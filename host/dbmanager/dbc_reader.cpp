@@ -30,12 +30,12 @@ class Reader {
   struct Comment {
     ObjectName object;
     std::string text;
-    std::uint32_t line;
+    std::uint32_t line = 0;
   };
 
   struct FloatSignal {
     ObjectName signal;
-    std::uint32_t type, line;
+    std::uint32_t type = 0, line = 0;
   };
 
   struct Section {

@@ -22,7 +22,7 @@ HRESULT Guarded(Body&& body) noexcept {
 
 /// Makes an object for the caller of a COM method. E_POINTER: nowhere to put it.
 template <class Object, class Interface, class... Arguments>
-HRESULT HandOutNew(Interface** result, Arguments&&... arguments) noexcept {
+HRESULT HandOutNew(Interface** result, Arguments&&... arguments) {
   if (!result) return E_POINTER;
   return Guarded([&] {
     *result = new Object(std::forward<Arguments>(arguments)...);
