@@ -135,7 +135,7 @@ void AddPdos(std::map<std::uint16_t, Object>& objects, const PdoKind& kind, std:
 
 void AddCompactSubObjects(Object& object, std::uint32_t count) {
   if (!FindSub(object, 0)) object.subObjects.push_back(MakeCount(object, count));
-  SubObject pattern = object;
+  SubObject pattern = static_cast<const SubObject&>(object);
   pattern.objectType = kObjectVar;
   for (std::uint32_t place = 1; place <= count; ++place) {
     if (FindSub(object, place)) continue;

@@ -171,8 +171,8 @@ class DatabaseObject final : public WithAttributes<NSdk::ICanDatabase> {
 }  // namespace
 
 NRuntime::ComPtr<NSdk::ICanDatabase> MakeDatabase(const std::filesystem::path& path, Database content) {
-  auto shared = std::make_shared<const Database>(std::move(content));
-  return NRuntime::ComPtr<NSdk::ICanDatabase>::Own(new DatabaseObject(path, std::move(shared)));
+  const auto shared = std::make_shared<const Database>(std::move(content));
+  return NRuntime::ComPtr<NSdk::ICanDatabase>::Own(new DatabaseObject(path, shared));
 }
 
 }  // namespace NDatabases
