@@ -29,8 +29,9 @@ Options:
                      (default: 1=virtual)
   --channel NUMBER   Channel of the generator block and of the simulated devices
                      (default: the lowest)
-  --device NODE      Put a simulated CANopen device on that bus; may be given
-                     several times
+  --device NODE[:FILE]
+                     Put a simulated CANopen device on that bus, an I/O device or
+                     the one that an EDS or DCF describes; may be given several times
   --variant NAME     Kind of host to be, halvard or tesmond (default: halvard)
   --module PATH      Module to load (default: Ostrel.hpi beside this program)
 

@@ -26,8 +26,10 @@ What is sent, and how:
   --cyclic           Send the cyclic list too, from the beginning
   --for SECONDS      Run for this long
   --delay MS         Pause between two items, 1 to 100000 (default: 10)
-  --device NODE      Put a simulated CANopen device on the generator's bus, an I/O
-                     device with this node-ID; may be given several times
+  --device NODE[:FILE]
+                     Put a simulated CANopen device on the generator's bus, an I/O
+                     device or the one that an EDS or DCF describes; may be given
+                     several times
   --variant NAME     Kind of host to be, halvard or tesmond (default: halvard)
   --module PATH      Module to load (default: Ostrel.hpi beside this program)
 

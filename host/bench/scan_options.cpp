@@ -24,8 +24,9 @@ What is heard, and for how long:
                      (default: 1=virtual)
   --for SECONDS      Listen for this long (default: until Ctrl+C, or until the
                      logs that are replayed have ended)
-  --device NODE      Put a simulated CANopen device on a bus, an I/O device with
-                     this node-ID; may be given several times
+  --device NODE[:FILE]
+                     Put a simulated CANopen device on a bus, an I/O device or the
+                     one that an EDS or DCF describes; may be given several times
   --db FILE.dbc      CAN database of the network: it names nodes that have not told
                      their own name (attribute CO_ID)
   --channel NUMBER   Channel of the devices and the database (default: the lowest)

@@ -15,8 +15,9 @@ CAN channel 1 is called can1 there. The server goes on until Ctrl+C.
 
   --can NUMBER=BUS   Put CAN channel NUMBER on a bus; may be given several times
                      (default: 1=virtual). Clients may also use the name of BUS
-  --device NODE      Put a simulated CANopen device on a bus, an I/O device with
-                     this node-ID; may be given several times
+  --device NODE[:FILE]
+                     Put a simulated CANopen device on a bus, an I/O device or the
+                     one that an EDS or DCF describes; may be given several times
   --channel NUMBER   Channel whose bus gets the devices (default: the lowest)
   --listen ADDR:PORT Where to listen (default: 127.0.0.1:29536, which only this
                      machine reaches). Whoever reaches it controls the buses
