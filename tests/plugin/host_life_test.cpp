@@ -394,15 +394,15 @@ TEST(HostLife, LanguageAndVersion) {
               testing::StartsWith(L"Error while loading resource DLL 'Ostrel_42."));
   const auto version = NRuntime::Query<NSdk::IVersion>(host.module.Create(NSdk::kProgIdPlugIn));
   std::uint32_t numbers[3] = {99, 99, 99};
-  NRuntime::ReceivedText text;
+  NRuntime::ReceivedText product, description, none;
   EXPECT_EQ(version->GetVersion(&numbers[0], &numbers[1], &numbers[2]), S_OK);
   EXPECT_EQ(std::to_string(numbers[0]) + "." + std::to_string(numbers[1]) + "." + std::to_string(numbers[2]),
             OSTREL_VERSION);
-  EXPECT_EQ(version->GetProductName(text.Out()), S_OK);
-  EXPECT_EQ(text.Text(), L"Ostrel");
-  EXPECT_EQ(version->GetDescription(text.Out()), S_OK);
-  EXPECT_EQ(text.Text(), L"CANopen plug-in module");
-  EXPECT_EQ(version->GetReleaseNotes(text.Out()), E_NOTIMPL);
+  EXPECT_EQ(version->GetProductName(product.Out()), S_OK);
+  EXPECT_EQ(product.Text(), L"Ostrel");
+  EXPECT_EQ(version->GetDescription(description.Out()), S_OK);
+  EXPECT_EQ(description.Text(), L"CANopen plug-in module");
+  EXPECT_EQ(version->GetReleaseNotes(none.Out()), E_NOTIMPL);
 }
 
 TEST(HostLife, AHundredLivesLeaveNothingBehind) {
