@@ -336,12 +336,12 @@ TEST_F(ScannerTest, RecordingOfTwoNetworks) {
   ASSERT_TRUE(log);
   double start_s = 0;
   char opening = 0;
-  std::string interface, frame;
-  for (double time_s = 0; log >> opening >> time_s >> opening >> interface >> frame;) {
+  std::string bus, frame;
+  for (double time_s = 0; log >> opening >> time_s >> opening >> bus >> frame;) {
     if (start_s == 0) start_s = time_s;
     const auto now_ms = static_cast<std::uint32_t>((time_s - start_s) * 1000);
     host.RunFor(now_ms - host.now);
-    Frame(static_cast<std::uint32_t>(interface.back() - '0'), frame);
+    Frame(static_cast<std::uint32_t>(bus.back() - '0'), frame);
   }
   EXPECT_GT(host.now, 13000u);
   EXPECT_THAT(Table(), ElementsAre("1|Operational|1|--| |? 2 image 3",                     //
