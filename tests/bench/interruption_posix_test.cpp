@@ -31,7 +31,7 @@ class Interruption : public testing::Test {
 
 TEST_F(Interruption, CtrlCStopsCleanlyWithAWholeLogAndASummary) {
   for (const char* signal : {"INT", "TERM"}) {
-    EXPECT_EQ(Shell(std::string("timeout --preserve-status -s ") + signal + " 0.5 " + kProgram +
+    EXPECT_EQ(Shell(std::string("timeout --preserve-status -s ") + signal + " 1.5 " + kProgram +
                     "play it.seq --cyclic --log it.log > out.txt 2> err.txt"),
               130);
     EXPECT_THAT(NTest::ReadFile(folder / "out.txt"), HasSubstr("1 of 2 items, "));
@@ -41,7 +41,7 @@ TEST_F(Interruption, CtrlCStopsCleanlyWithAWholeLogAndASummary) {
 }
 
 TEST_F(Interruption, CtrlCIsTheEndOfAScanThatHasNoOther) {
-  const std::string scan = "timeout --preserve-status -s INT 0.5 " + kProgram + "scan --device 5 ";
+  const std::string scan = "timeout --preserve-status -s INT 1.5 " + kProgram + "scan --device 5 ";
   EXPECT_EQ(Shell(scan + "> out.txt"), 0);
   EXPECT_THAT(NTest::ReadFile(folder / "out.txt"), HasSubstr("\n1 node, "));
   EXPECT_EQ(Shell(scan + "--for 20 > out.txt"), 130);

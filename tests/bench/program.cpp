@@ -1,5 +1,7 @@
 #include "tests/bench/program.h"
 
+#include <gtest/gtest.h>
+
 #include <fstream>
 
 namespace NTest {
@@ -20,7 +22,10 @@ std::string Quoted(const std::filesystem::path& path) {
 }
 
 Outcome RunBench(const std::string& arguments, const std::filesystem::path& folder) {
-  const auto output = folder / "output.txt", errors = folder / "errors.txt";
+  // Tests that run side by side may share a folder.
+  const testing::TestInfo& test = *testing::UnitTest::GetInstance()->current_test_info();
+  const std::string name = std::string("ostrel-") + test.test_suite_name() + '-' + test.name();
+  const auto output = folder / (name + ".out"), errors = folder / (name + ".err");
   const std::string command =
       Quoted(OSTREL_BENCH_PROGRAM) + arguments + " > " + Quoted(output) + "2> " + Quoted(errors);
   const int status = RunShell(command);
