@@ -1,10 +1,8 @@
 #include "sdo/data_object.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
-#include <new>
 
 #include "com/entry.h"
 #include "com/implements.h"
@@ -12,29 +10,13 @@
 namespace NSdo {
 namespace {
 
-struct FreeMemory {
-  void operator()(std::uint8_t* memory) const { std::free(memory); }
-};
-using Buffer = std::unique_ptr<std::uint8_t[], FreeMemory>;
-
-// A value may be announced much larger than what then comes; the system hands out untouched pages for zeros.
-Buffer AllocateZeros(std::uint32_t size) {
-  Buffer buffer(static_cast<std::uint8_t*>(std::calloc(size, 1)));
-  if (!buffer) throw std::bad_alloc();
-  return buffer;
-}
-
-Buffer AllocateUninitialised(std::uint32_t size) {
-  Buffer buffer(static_cast<std::uint8_t*>(std::malloc(size)));
-  if (!buffer) throw std::bad_alloc();
-  return buffer;
-}
+using Buffer = std::unique_ptr<std::uint8_t[]>;
 
 class ZCANopenDataObject final : public NCom::Implements<NSdk::ICANopenDataObject> {
  public:
   ZCANopenDataObject(std::uint16_t index, std::uint8_t subindex, std::uint32_t size, std::uint32_t value)
       : mIndex(index), mSubindex(subindex), mValue(value), mSize(size) {
-    if (!IsInline()) mBuffer = AllocateUninitialised(size);
+    if (!IsInline()) mBuffer = std::make_unique_for_overwrite<std::uint8_t[]>(size);
   }
 
   HRESULT STDMETHODCALLTYPE GetIndex(std::uint16_t* index, std::uint8_t* subindex) override {
@@ -93,7 +75,7 @@ class ZCANopenDataObject final : public NCom::Implements<NSdk::ICANopenDataObjec
     return NCom::Entry([&] {
       Buffer buffer;
       if (size > sizeof(mValue)) {
-        buffer = data ? AllocateUninitialised(size) : AllocateZeros(size);
+        buffer = std::make_unique<std::uint8_t[]>(size);
         if (data) std::memcpy(buffer.get(), data, size);
       } else if (data) {
         mValue = 0;
