@@ -31,10 +31,10 @@ class BusTraffic {
   std::uint32_t BitRate() const { return mBitRate; }
 
   /// False: the port has too many frames waiting, and this one is given up.
-  bool Queue(VirtualPort& sender, const NSdk::CanFrame& frame);
+  bool Queue(VirtualPort& port, const NSdk::CanFrame& frame);
   bool IsSending(const VirtualPort& port) const;
   /// What the port has queued still leaves.
-  void Leave(const VirtualPort& sender);
+  void Leave(const VirtualPort& port);
 
  private:
   struct Waiting {

@@ -49,7 +49,7 @@ using Block = std::array<std::uint64_t, kWords>;
 
 template <std::size_t Word>
 std::uint64_t WordOf(const std::uint8_t* data) {
-  std::uint64_t word;
+  std::uint64_t word = 0;
   std::memcpy(&word, data + Word * sizeof word, sizeof word);
   return word;
 }
@@ -77,7 +77,7 @@ std::uint16_t SdoCrc(const std::uint8_t* data, std::size_t size) {
   Block block{};
   for (; size >= 2 * kBlockSize; size -= kBlockSize, data += kBlockSize) TakeAway(block, data, kAllWords);
   AddRest(block, data, kAllWords);
-  std::array<std::uint8_t, kBlockSize> rest;
+  std::array<std::uint8_t, kBlockSize> rest{};
   std::memcpy(rest.data(), block.data(), kBlockSize);
   const unsigned crc = Continue(0, rest.data(), rest.size());
   return static_cast<std::uint16_t>(Continue(crc, data + kBlockSize, size - kBlockSize));
