@@ -22,9 +22,12 @@ std::string Quoted(const std::filesystem::path& path) {
 }
 
 Outcome RunBench(const std::string& arguments, const std::filesystem::path& folder) {
-  // Tests that run side by side may share a folder.
+  // Tests that run side by side may share a folder, and a program that has ended may hold its files a little
+  // longer.
+  static int run = 0;
   const testing::TestInfo& test = *testing::UnitTest::GetInstance()->current_test_info();
-  const std::string name = std::string("ostrel-") + test.test_suite_name() + '-' + test.name();
+  const std::string name =
+      std::string("ostrel-") + test.test_suite_name() + '-' + test.name() + '-' + std::to_string(++run);
   const auto output = folder / (name + ".out"), errors = folder / (name + ".err");
   const std::string command =
       Quoted(OSTREL_BENCH_PROGRAM) + arguments + " > " + Quoted(output) + "2> " + Quoted(errors);
