@@ -27,6 +27,20 @@ struct IAction : IUnknown {
   virtual HRESULT STDMETHODCALLTYPE GetState(std::uint32_t* state) = 0;
 };
 
+/// A command whose button carries a menu, asked of an IAction by QueryInterface. For hosts with windows; a
+/// module that makes no menus does not offer it.
+struct IDropDownCommand : IUnknown {
+  static constexpr IID kIid = {0x0c1ef04b, 0x8ca5, 0x4d67, {0x9e, 0x62, 0x2a, 0xd3, 0x5b, 0x70, 0xc4, 0x1f}};
+
+  /// Makes the menu as it is now, an HMENU of a pop-up menu on Windows. The caller shows it and destroys it.
+  /// Its items are numbered from `firstId` on, submenus included; those that would come behind `lastId` are
+  /// left out. S_FALSE, nothing written: there is nothing to choose.
+  virtual HRESULT STDMETHODCALLTYPE GetMenu(std::uint32_t firstId, std::uint32_t lastId, void** menu) = 0;
+  /// Carries out the item with this number in the menu that was made last. `context` as for
+  /// IAction::Execute. E_INVALIDARG: there is no such item.
+  virtual HRESULT STDMETHODCALLTYPE ExecuteItem(std::uint32_t id, IUnknown* context) = 0;
+};
+
 /// A named group of commands: a submenu and a toolbar.
 struct ICommandGroup : IUnknown {
   static constexpr IID kIid = {0x9007be3f, 0xae8e, 0x4ed4, {0x98, 0xaa, 0x2e, 0x27, 0xa4, 0xca, 0x2d, 0x66}};
