@@ -30,7 +30,7 @@ struct IAction : IUnknown {
 /// A command whose button carries a menu, asked of an IAction by QueryInterface. For hosts with windows; a
 /// module that makes no menus does not offer it.
 struct IDropDownCommand : IUnknown {
-  static constexpr IID kIid = {0x0c1ef04b, 0x8ca5, 0x4d67, {0x9e, 0x62, 0x2a, 0xd3, 0x5b, 0x70, 0xc4, 0x1f}};
+  static constexpr IID kIid = {0xb9c8e2b2, 0x937c, 0x4e19, {0xba, 0xec, 0xba, 0x5a, 0x44, 0x0f, 0x91, 0x8c}};
 
   /// Makes the menu as it is now, an HMENU of a pop-up menu on Windows. The caller shows it and destroys it.
   /// Its items are numbered from `firstId` on, submenus included; those that would come behind `lastId` are
