@@ -11,6 +11,7 @@ cache=$root/.cache  # made once and kept; build/ may be wiped at any time
 #   windows   cross compiler, Wine (fonts apart: windows measure their text)
 #   source    unpack a Debian source package
 #   vm        a virtual machine with the kernel that the tests of CAN interfaces need (tests/buses/socketcan_vm)
+#   images    draw the module's bitmaps and icons anew (tools/make-images)
 #   tidy      the static analysis that tools/check-style --tidy makes
 packages_of() {
   case $1 in
@@ -19,6 +20,7 @@ packages_of() {
     windows) echo g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 wine64 fonts-wine googletest ;;
     source) echo dpkg-dev ;;
     vm) echo qemu-system-x86 cpio iproute2 can-utils ;;
+    images) echo librsvg2-bin imagemagick ;;
     tidy) echo clang-tidy-14 ;;
     *) die "no package group '$1'" ;;
   esac

@@ -1,7 +1,7 @@
 #pragma once
 // Identifiers of the module's resources, read by the resource compiler and by C++: plain macros only.
-// Numbers below 2000 are prescribed and never change: language libraries and hosts know them. Texts that have
-// no prescribed number are counted from 2000.
+// Numbers below 2000 (and 15004) are prescribed and never change: language libraries and hosts know them.
+// Texts that have no prescribed number are counted from 2000, dialogs, menus and their controls from 2100.
 
 // Scanner
 #define IDS_SCAN_INSERT 101
@@ -91,3 +91,151 @@
 #define IDS_NMT_COL_NODE_ID 824
 #define IDS_NMT_COL_NODE_NAME 825
 #define IDS_NMT_NOT_IN_DATABASE 826
+
+// Dialogs
+#define IDD_BAUDRATE 101
+#define IDD_DATA_COMPOSER 115
+#define IDD_SCANNER 213
+#define IDD_RTR_EDITOR 240
+#define IDD_PAUSE_EDITOR 241
+#define IDD_TX_STATE_EDITOR 245
+#define IDD_SDO_EDITOR 717
+#define IDD_HEARTBEAT_EDITOR 754
+#define IDD_NMT_EDITOR 755
+#define IDD_SYNC_EDITOR 756
+#define IDD_EMCY_EDITOR 757
+#define IDD_PDO_EDITOR 758
+#define IDD_GUARDING_EDITOR 761
+#define IDD_IG 15004
+#define IDD_IG_SETTINGS 2100
+#define IDD_NMT_SELECTION 2101
+
+// Menus and their items
+#define IDM_NMT_COMMANDS 798
+#define IDM_NMT_NETWORKS 811
+#define IDM_IG_TEMPLATES 2110
+#define IDM_IG_ITEMS 2111
+#define ID_NMT_ALL_NODES 2120
+#define ID_NMT_OTHER_NODES 2121
+#define ID_NMT_NODE 2122
+#define ID_IG_INSERT_SEQUENCE 2130
+#define ID_IG_INSERT_CYCLIC 2131
+#define ID_IG_ITEM_EDIT 2132
+#define ID_IG_ITEM_DELETE 2133
+#define ID_IG_ITEM_CUT 2134
+#define ID_IG_ITEM_COPY 2135
+#define ID_IG_ITEM_PASTE 2136
+#define ID_IG_ITEM_UP 2137
+#define ID_IG_ITEM_DOWN 2138
+#define ID_IG_ITEM_ENABLED 2139
+
+// Images. The strip of the nodes holds eight images side by side: silent or unknown, boot-up or stopped,
+// pre-operational, operational, and the same with an error mark; white is transparent. It is there in three
+// sizes, for 96, 144 and 192 dpi.
+#define IDB_SCAN_NODES 216
+#define IDB_SCAN_NODES_24 2160
+#define IDB_SCAN_NODES_32 2161
+#define IDB_TOOL_BRACKWELL 228
+#define IDB_TOOL_QUILLON 773
+#define IDB_NMT_OPERATIONAL 794
+#define IDB_NMT_PREOPERATIONAL 795
+#define IDB_NMT_STOP 796
+#define IDB_NMT_RESET 797
+#define IDI_NMT_OPERATIONAL_SMALL 248
+#define IDI_NMT_OPERATIONAL_LARGE 249
+#define IDI_NMT_PREOPERATIONAL_SMALL 250
+#define IDI_NMT_PREOPERATIONAL_LARGE 251
+#define IDI_NMT_RESET_SMALL 252
+#define IDI_NMT_RESET_LARGE 253
+#define IDI_NMT_STOP_SMALL 254
+#define IDI_NMT_STOP_LARGE 255
+#define IDI_TOOL_QUILLON_SMALL 256
+#define IDI_TOOL_QUILLON_LARGE 257
+#define IDI_TOOL_BRACKWELL_SMALL 258
+#define IDI_TOOL_BRACKWELL_LARGE 259
+#define IDI_OSTREL 2150
+
+// Controls of the scanner's window and of the baud-rate page
+#define IDC_SCAN_NODES 232
+#define IDC_BAUDRATE_GROUP 234
+#define IDC_BAUDRATE_10 235
+#define IDC_BAUDRATE_20 236
+#define IDC_BAUDRATE_50 237
+#define IDC_BAUDRATE_125 238
+#define IDC_BAUDRATE_250 239
+#define IDC_BAUDRATE_500 240
+#define IDC_BAUDRATE_800 241
+#define IDC_BAUDRATE_1000 242
+#define IDC_BAUDRATE_INVALID 243
+
+// Controls of the data composer
+#define IDC_DATA_STRING 774
+#define IDC_DATA_UNSIGNED 775
+#define IDC_DATA_SIGNED 776
+#define IDC_DATA_FILE 777
+#define IDC_DATA_REAL32 778
+#define IDC_DATA_BYTE_ARRAY 779
+#define IDC_DATA_ADJUST 780
+#define IDC_DATA_VALUE 781
+#define IDC_DATA_BROWSE 782
+#define IDC_DATA_LENGTH 783
+#define IDC_DATA_REAL64 836
+
+// Controls of the generator's settings
+#define IDC_SETTINGS_PAUSE 2200
+#define IDC_SETTINGS_SDO_TIMEOUT 2201
+#define IDC_SETTINGS_SDO_BLOCK_SIZE 2202
+#define IDC_SETTINGS_OUTPUT_LABEL 2203
+#define IDC_SETTINGS_OUTPUT 2204
+
+// Controls of the node selection
+#define IDC_NMT_NODES 2210
+#define IDC_NMT_OPERATIONAL 2211
+#define IDC_NMT_PREOPERATIONAL 2212
+#define IDC_NMT_STOP 2213
+#define IDC_NMT_RESET 2214
+
+// Controls of the generator's window
+#define IDC_IG_TEMPLATES_LABEL 2220
+#define IDC_IG_TEMPLATES 2221
+#define IDC_IG_REFRESH 2222
+#define IDC_IG_SEQUENCE_LABEL 2223
+#define IDC_IG_SEQUENCE 2224
+#define IDC_IG_EXECUTE 2225
+#define IDC_IG_CYCLIC_LABEL 2226
+#define IDC_IG_CYCLIC 2227
+#define IDC_IG_START 2228
+#define IDC_IG_CONFIGURE 2229
+#define IDC_IG_OPEN 2230
+#define IDC_IG_SAVE 2231
+
+// Controls of the item editors; what several of them have, has one number
+#define IDC_EDIT_NODE_ID 2240
+#define IDC_EDIT_CAN_ID 2241
+#define IDC_EDIT_CYCLE 2242
+#define IDC_EDIT_DELAY 2243
+#define IDC_EDIT_NMT_STATE 2244
+#define IDC_EDIT_TOGGLE 2245
+#define IDC_EDIT_NMT_COMMAND 2246
+#define IDC_EDIT_ERROR_CODE 2247
+#define IDC_EDIT_ERROR_REGISTER 2248
+#define IDC_EDIT_BYTE_1 2249
+#define IDC_EDIT_BYTE_2 2250
+#define IDC_EDIT_BYTE_3 2251
+#define IDC_EDIT_BYTE_4 2252
+#define IDC_EDIT_BYTE_5 2253
+#define IDC_EDIT_DATA 2254
+#define IDC_EDIT_COMPOSE 2255
+#define IDC_EDIT_ADJUST_LENGTH 2256
+#define IDC_EDIT_DLC 2257
+#define IDC_EDIT_PAUSE 2258
+#define IDC_EDIT_TX_START 2259
+#define IDC_EDIT_TX_STOP 2260
+#define IDC_EDIT_SDO_ADJUST_IDS 2261
+#define IDC_EDIT_SDO_TX_ID 2262
+#define IDC_EDIT_SDO_RX_ID 2263
+#define IDC_EDIT_SDO_INDEX 2264
+#define IDC_EDIT_SDO_SUBINDEX 2265
+#define IDC_EDIT_SDO_UPLOAD 2266
+#define IDC_EDIT_SDO_BLOCK 2267
+#define IDC_EDIT_SDO_SIZE 2268

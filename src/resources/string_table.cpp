@@ -1,5 +1,6 @@
 #include "resources/string_table.h"
 
+#include "resources/language_file.h"
 #include "resources/resource_ids.h"
 
 namespace NResources {
@@ -7,7 +8,7 @@ namespace {
 
 #define STRING(id, text) {id, L"" text},
 constexpr StringEntry kStrings[] = {
-#include "resources/strings.inc"
+#include LANGUAGE_FILE
 };
 #undef STRING
 
@@ -17,7 +18,7 @@ consteval bool IsAscending() {
   }
   return true;
 }
-static_assert(IsAscending(), "strings.inc is kept in the order of the numbers: it is searched by halving");
+static_assert(IsAscending(), "the texts are kept in the order of the numbers: it is searched by halving");
 
 }  // namespace
 
