@@ -6,50 +6,13 @@
 #include <stdexcept>
 #include <vector>
 
+#include "host/devices/fault_option.h"
+
 namespace NDevices {
 namespace {
 
 constexpr unsigned kMaxNode = 127;
-constexpr std::uint32_t kAny = 0xFFFFFFFF;
-constexpr std::uint32_t kLongestDelay_ms = 3600000;
 constexpr std::size_t kMeaningColumn = 21;  // of the help text
-
-// How a device is told to misbehave. A flag has no range of values.
-struct FaultOption {
-  std::string_view name;
-  std::string_view value;  // what it is called, for the help text
-  std::uint32_t low, high;
-  void (*set)(Misbehaviour& faults, std::uint32_t value);
-  std::string_view meaning;
-
-  bool IsFlag() const { return value.empty(); }
-};
-
-constexpr FaultOption kFaultOptions[] = {
-    {"late", "MS", 0, kLongestDelay_ms,
-     [](Misbehaviour& faults, std::uint32_t value) { faults.answerDelay = std::chrono::milliseconds(value); },
-     "every answer to an SDO comes MS milliseconds late"},
-    {"silent", "", 0, 0, [](Misbehaviour& faults, std::uint32_t) { faults.silent = true; },
-     "SDO requests are not answered"},
-    {"abort", "CODE", 1, kAny,
-     [](Misbehaviour& faults, std::uint32_t value) { faults.abort = AbortCode{value}; },
-     "every transfer is aborted with CODE (0x06020000)"},
-    {"abort-at", "N", 1, kAny,
-     [](Misbehaviour& faults, std::uint32_t value) { faults.abortAtSegment = value; },
-     "... at its segment N, not in answer to the request"},
-    {"bad-crc", "", 0, 0, [](Misbehaviour& faults, std::uint32_t) { faults.badCrc = true; },
-     "CRCs of block transfers are wrong, or found wrong"},
-    {"vary-block-size", "", 0, 0, [](Misbehaviour& faults, std::uint32_t) { faults.varyBlockSize = true; },
-     "every other sub-block of a download is half as long"},
-    {"wrong-toggle", "", 0, 0, [](Misbehaviour& faults, std::uint32_t) { faults.wrongToggle = true; },
-     "a segment, or its answer, has the other toggle bit"},
-    {"wrong-sequence", "", 0, 0, [](Misbehaviour& faults, std::uint32_t) { faults.wrongSequence = true; },
-     "a block's segment, or its answer, has a wrong number"},
-    {"drop-segment", "", 0, 0, [](Misbehaviour& faults, std::uint32_t) { faults.dropSegment = true; },
-     "a segment is not sent, or not taken"},
-    {"segment", "N", 1, kAny, [](Misbehaviour& faults, std::uint32_t value) { faults.segment = value; },
-     "... and that is segment N of each transfer (1)"},
-};
 
 [[noreturn]] void Refuse(std::string_view word, const std::string& reason) {
   throw std::runtime_error("device \"" + std::string(word) + "\": " + reason);
@@ -89,9 +52,9 @@ unsigned char ParseNode(std::string_view word, std::string_view number) {
 }
 
 const FaultOption& FindOption(std::string_view word, std::string_view name) {
+  if (const FaultOption* option = FindFaultOption(name)) return *option;
   std::string known;
-  for (const FaultOption& option : kFaultOptions) {
-    if (option.name == name) return option;
+  for (const FaultOption& option : FaultOptions()) {
     known += (known.empty() ? "" : ", ") + std::string(option.name);
   }
   Refuse(word, "unknown option \"" + std::string(name) + "\" (known: " + known + ")");
@@ -100,9 +63,8 @@ const FaultOption& FindOption(std::string_view word, std::string_view name) {
 std::uint32_t ParseValue(std::string_view word, const FaultOption& option, std::string_view text) {
   const auto value = ParseNumber(text);
   if (value && *value >= option.low && *value <= option.high) return *value;
-  std::string wanted = "a number from " + std::to_string(option.low);
-  if (option.high != kAny) wanted += " to " + std::to_string(option.high);
-  Refuse(word, std::string(option.name) + "=" + std::string(text) + ": " + wanted + " is wanted");
+  Refuse(word,
+         std::string(option.name) + "=" + std::string(text) + ": a number " + option.Range() + " is wanted");
 }
 
 void ReadFault(std::string_view word, std::string_view text, std::vector<std::string_view>& seen,
@@ -121,19 +83,7 @@ void ReadFault(std::string_view word, std::string_view text, std::vector<std::st
     Refuse(word, "the option \"" + std::string(name) + "\" is given twice");
   }
   seen.push_back(name);
-  option.set(faults, option.IsFlag() ? 0 : ParseValue(word, option, value));
-}
-
-// What changes nothing by itself is a mistake.
-void CheckFaults(std::string_view word, const std::vector<std::string_view>& seen,
-                 const Misbehaviour& faults) {
-  const auto given = [&](std::string_view name) {
-    return std::find(seen.begin(), seen.end(), name) != seen.end();
-  };
-  if (given("abort-at") && !given("abort")) Refuse(word, "abort-at wants abort=CODE beside it");
-  if (given("segment") && !faults.wrongToggle && !faults.wrongSequence && !faults.dropSegment) {
-    Refuse(word, "segment wants wrong-toggle, wrong-sequence or drop-segment beside it");
-  }
+  option.set(faults, option.IsFlag() ? 1 : ParseValue(word, option, value));
 }
 
 }  // namespace
@@ -152,13 +102,14 @@ DeviceWord ParseDeviceWord(std::string_view word) {
   }
   std::vector<std::string_view> seen;
   while (!options.empty()) ReadFault(word, TakeUpTo(options, ','), seen, device.faults);
-  CheckFaults(word, seen, device.faults);
+  const std::string contradiction = FindContradiction(seen, device.faults);
+  if (!contradiction.empty()) Refuse(word, contradiction);
   return device;
 }
 
 std::string DescribeDeviceOptions() {
   std::string text;
-  for (const FaultOption& option : kFaultOptions) {
+  for (const FaultOption& option : FaultOptions()) {
     std::string form = "  ," + std::string(option.name);
     if (!option.IsFlag()) form += "=" + std::string(option.value);
     form.resize(std::max(form.size() + 1, kMeaningColumn), ' ');

@@ -13,6 +13,8 @@ struct DeviceWord {
   unsigned char nodeId = 0;  ///< 1..127
   std::string description;   ///< path of the file in UTF-8, empty = the built-in I/O device
   Misbehaviour faults;
+
+  bool operator==(const DeviceWord&) const = default;
 };
 
 /// Throws std::runtime_error, one line that names the word and what is wrong with it. A file is not looked

@@ -20,6 +20,8 @@ struct Misbehaviour {
   bool varyBlockSize = false;         ///< block download: every second sub-block is to be half as long
   AbortCode abort = AbortCode::None;  ///< ends transfers with this code,
   std::uint32_t abortAtSegment = 0;   ///< ... at this segment; 0: in answer to the request
+
+  bool operator==(const Misbehaviour&) const = default;
 };
 
 }  // namespace NDevices
