@@ -18,6 +18,23 @@ std::string_view TakeUpTo(std::string_view& text, char separator) {
   return taken;
 }
 
+// Takes what stands before the options off the front: KIND[:ADDRESS].
+std::string_view TakeHead(std::string_view word, std::string_view& text) {
+  const std::size_t colon = text.find(':');
+  const bool quoted = text.find(',') > colon && text.substr(colon + 1).starts_with('"');
+  if (colon == std::string_view::npos || !quoted) return TakeUpTo(text, ',');
+  const std::size_t first = colon + 2;
+  const std::size_t end = std::min(text.find("\",", first), text.size() - 1);
+  if (end < first || text[end] != '"') Refuse(word, "the quotation mark of the address is not closed");
+  const std::string_view head = text.substr(0, end + 1);
+  text.remove_prefix(std::min(end + 2, text.size()));
+  return head;
+}
+
+std::string_view WithoutQuotes(std::string_view address) {
+  return address.starts_with('"') ? address.substr(1, address.size() - 2) : address;
+}
+
 BusName::Option ParseOption(std::string_view word, std::string_view text) {
   const std::size_t equals = text.find('=');
   if (equals == std::string_view::npos || equals == 0 || equals + 1 == text.size()) {
@@ -39,16 +56,25 @@ void AddOption(std::string_view word, BusName& name, BusName::Option option) {
 BusName ParseBusName(std::string_view word) {
   const bool trailingComma = !word.empty() && word.back() == ',';
   std::string_view rest = word;
-  std::string_view address = TakeUpTo(rest, ',');
+  std::string_view address = TakeHead(word, rest);
   const bool hasAddress = address.find(':') != std::string_view::npos;
   BusName name;
   name.kind = TakeUpTo(address, ':');
-  name.address = address;
+  name.address = WithoutQuotes(address);
   if (name.kind.empty()) Refuse(word, "a bus is written KIND[:ADDRESS][,OPTION=VALUE...]");
   if (hasAddress && name.address.empty()) Refuse(word, "nothing stands after the colon");
   while (!rest.empty()) AddOption(word, name, ParseOption(word, TakeUpTo(rest, ',')));
   if (trailingComma) Refuse(word, "nothing stands after the last comma");
   return name;
+}
+
+std::string BusWord(const BusName& name) {
+  const bool quoted = name.address.starts_with('"') || name.address.find(',') != std::string::npos;
+  const std::string quote = quoted ? "\"" : "";
+  std::string word = name.kind;
+  if (!name.address.empty()) word += ':' + quote + name.address + quote;
+  for (const auto& [option, value] : name.options) word += ',' + option + '=' + value;
+  return word;
 }
 
 }  // namespace NBuses

@@ -7,7 +7,7 @@
 
 namespace NBuses {
 
-/// A bus in one word: KIND[:ADDRESS][,OPTION=VALUE...]
+/// A bus in one word: KIND[:ADDRESS][,OPTION=VALUE...]. An address in double quotes may hold commas.
 struct BusName {
   using Option = std::pair<std::string, std::string>;
 
@@ -20,5 +20,8 @@ struct BusName {
 /// kind, an empty address after the colon, an option that is not KEY=VALUE or is given twice. Kinds and
 /// options are not looked up here.
 BusName ParseBusName(std::string_view word);
+
+/// The word for it.
+std::string BusWord(const BusName& name);
 
 }  // namespace NBuses
