@@ -45,7 +45,7 @@ std::string DecodeText(std::string bytes) {
   return ToUtf8(wide);
 }
 
-FileText ReadTextFile(const std::filesystem::path& path, std::size_t limit) {
+FileText ReadFileBytes(const std::filesystem::path& path, std::size_t limit) {
   std::error_code ignored;
   if (!std::filesystem::exists(path, ignored)) return Fault(FileState::Missing, "no such file");
   if (std::filesystem::is_directory(path, ignored)) {
@@ -62,7 +62,13 @@ FileText ReadTextFile(const std::filesystem::path& path, std::size_t limit) {
     }
   }
   if (stream.bad()) return Fault(FileState::Unreadable, "the file cannot be read");
-  return {FileState::Read, DecodeText(std::move(bytes)), {}};
+  return {FileState::Read, std::move(bytes), {}};
+}
+
+FileText ReadTextFile(const std::filesystem::path& path, std::size_t limit) {
+  FileText file = ReadFileBytes(path, limit);
+  file.text = DecodeText(std::move(file.text));
+  return file;
 }
 
 }  // namespace NRuntime

@@ -11,11 +11,13 @@ enum class FileState { Read, Missing, Unreadable, TooLarge };
 
 struct FileText {
   FileState state = FileState::Read;
-  std::string text;    ///< in UTF-8
+  std::string text;
   std::string reason;  ///< of a file that was not read, without its path
 };
 
-/// Reads a file of at most `limit` bytes.
+/// Reads a file of at most `limit` bytes, as they are.
+FileText ReadFileBytes(const std::filesystem::path& path, std::size_t limit);
+/// Reads a file of at most `limit` bytes as text.
 FileText ReadTextFile(const std::filesystem::path& path, std::size_t limit);
 
 /// Bytes as UTF-8, without a byte order mark: what is not UTF-8 already is taken for Windows-1252.
