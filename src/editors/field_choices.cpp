@@ -54,7 +54,7 @@ List PdoChoices(const ChoiceContext& context) {
   for (auto& choice : NCanopen::PdoChoices(context.nodeId)) list.push_back({std::move(choice.label)});
   if (const DatabaseNode* node = FindNode(context.nodes, context.nodeId)) {
     for (const NSdo::Tpdo& tpdo : node->tpdos) {
-      if ((tpdo.cobId & NCanopen::kCobIdInvalid) != 0) continue;
+      // A PDO that is not valid in the device (bit 31) can be sent all the same.
       list.push_back({NCanopen::DatabasePdoLabel(tpdo.cobId, node->nodeId, tpdo.number + 1)});
     }
   }

@@ -181,7 +181,7 @@ TEST(ItemForm, OffersWhatNodesAndVocabularyHave) {
   Type(form, "NodeID", "5 (Drive)");
   EXPECT_EQ(Choices(form, "COBID"),
             (std::vector<std::string>{"185 (Node 5 TPDO 0)", "285 (Node 5 TPDO 1)", "385 (Node 5 TPDO 2)",
-                                      "485 (Node 5 TPDO 3)", "285 (N5_TPDO2)"}));
+                                      "485 (Node 5 TPDO 3)", "285 (N5_TPDO2)", "385 (N5_TPDO3)"}));
   Type(form, "COBID", "285 (N5_TPDO2)");
   EXPECT_EQ(form.Purpose().limit, 6u) << "16 and 32 bits are mapped";
 
