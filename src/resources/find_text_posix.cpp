@@ -1,16 +1,13 @@
 #include <dlfcn.h>
 
-#include <algorithm>
-
 #include "resources/find_text.h"
 #include "resources/string_table.h"
 
 namespace NResources {
 
 std::wstring FindOwnText(std::uint32_t id) {
-  const auto table = StringTable();
-  const auto entry = std::ranges::lower_bound(table, id, {}, &StringEntry::id);
-  return entry != table.end() && entry->id == id ? entry->text : std::wstring();
+  const wchar_t* text = FindInStringTable(id);
+  return text ? text : std::wstring();
 }
 
 std::wstring FindLanguageText(void* library, std::uint32_t id) {

@@ -85,6 +85,10 @@
 #define IDS_NMT_SELECTION_TITLE 2043
 #define IDS_DATABASE_LIBRARY_MISSING 2044
 
+// Number bases beside the fields of the item editors
+#define IDS_BASE_DEC 2060
+#define IDS_BASE_HEX 2061
+
 // Sending of NMT commands
 #define IDS_NMT_NO_BLOCK_IN_NETWORK 822
 #define IDS_NMT_NO_BLOCK_ON_CHANNEL 823
@@ -239,3 +243,6 @@
 #define IDC_EDIT_SDO_UPLOAD 2266
 #define IDC_EDIT_SDO_BLOCK 2267
 #define IDC_EDIT_SDO_SIZE 2268
+// The text beside a field of an editor whose number base follows the host's display: IDS_BASE_DEC or
+// IDS_BASE_HEX
+#define BASE_OF(field) ((field) + 100)

@@ -1,5 +1,8 @@
 #include "resources/string_table.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "resources/language_file.h"
 #include "resources/resource_ids.h"
 
@@ -23,5 +26,10 @@ static_assert(IsAscending(), "the texts are kept in the order of the numbers: it
 }  // namespace
 
 std::span<const StringEntry> StringTable() { return kStrings; }
+
+const wchar_t* FindInStringTable(std::uint32_t id) {
+  const auto* entry = std::ranges::lower_bound(kStrings, id, {}, &StringEntry::id);
+  return entry != std::end(kStrings) && entry->id == id ? entry->text : nullptr;
+}
 
 }  // namespace NResources

@@ -11,7 +11,10 @@ struct StringEntry {
   const wchar_t* text;
 };
 
-/// All texts in the module's own language, ascending by identifier, each once.
+/// All texts of the language that this was compiled for, ascending by identifier, each once: in the module
+/// its own language, in a language library the library's.
 std::span<const StringEntry> StringTable();
+/// The text of an identifier in it; null: it has none.
+const wchar_t* FindInStringTable(std::uint32_t id);
 
 }  // namespace NResources
