@@ -132,6 +132,8 @@
 #define ID_IG_ITEM_UP 2137
 #define ID_IG_ITEM_DOWN 2138
 #define ID_IG_ITEM_ENABLED 2139
+#define ID_IG_UNDO 2140
+#define ID_IG_REDO 2141
 
 // Images. The strip of the nodes holds eight images side by side: silent or unknown, boot-up or stopped,
 // pre-operational, operational, and the same with an error mark; white is transparent. It is there in three
@@ -243,6 +245,7 @@
 #define IDC_EDIT_SDO_UPLOAD 2266
 #define IDC_EDIT_SDO_BLOCK 2267
 #define IDC_EDIT_SDO_SIZE 2268
+#define IDC_EDIT_FRAME 2269
 // The text beside a field of an editor whose number base follows the host's display: IDS_BASE_DEC or
 // IDS_BASE_HEX
 #define BASE_OF(field) ((field) + 100)
