@@ -135,9 +135,9 @@
 #define ID_IG_UNDO 2140
 #define ID_IG_REDO 2141
 
-// Images. The strip of the nodes holds eight images side by side: silent or unknown, boot-up or stopped,
-// pre-operational, operational, and the same with an error mark; white is transparent. It is there in three
-// sizes, for 96, 144 and 192 dpi.
+// Images. White is transparent in bitmaps; icons carry their transparency. The strip of the nodes holds eight
+// images side by side: silent or unknown, boot-up or stopped, pre-operational, operational, and the same with
+// an error mark; it is there in three sizes, for 96, 144 and 192 dpi.
 #define IDB_SCAN_NODES 216
 #define IDB_SCAN_NODES_24 2160
 #define IDB_SCAN_NODES_32 2161
