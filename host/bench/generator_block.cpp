@@ -93,16 +93,13 @@ class GeneratorBlock::Events final : public NRuntime::Implements<NSdk::IGenerato
   GeneratorListener* mListener;  // null: the block is being let go
 };
 
-GeneratorBlock::GeneratorBlock(const NRuntime::Module& module, NRuntime::Application& application,
+GeneratorBlock::GeneratorBlock(const NRuntime::Application& application, NRuntime::Setup& setup,
                                const NRuntime::Settings& settings, GeneratorListener& listener)
-    : mObject(module.Create(NSdk::kProgIdCANopenIG)),
-      mBlock(NRuntime::Query<NSdk::IPlugInBlock>(mObject)),
-      mGenerator(NRuntime::Query<NSdk::IGenerator>(mObject)),
+    : mInserted(application, setup, L"Insert.CANopenIG"),
+      mGenerator(NRuntime::Query<NSdk::IGenerator>(Object())),
       mEvents(NRuntime::Make<Events>(listener)) {
-  const auto persistent = NRuntime::Query<NSdk::IPersistentObject>(mObject);
-  if (!mBlock || !mGenerator || !persistent) RefuseBlock("is not a generator");
-  const auto site = NRuntime::Make<NRuntime::BlockSite>(application);
-  if (FAILED(mBlock->Attach(site.Get()))) RefuseBlock("refuses its place in the host");
+  const auto persistent = NRuntime::Query<NSdk::IPersistentObject>(Object());
+  if (!mGenerator || !persistent) RefuseBlock("is not a generator");
   const auto reader = NRuntime::Make<NRuntime::SettingsReader>(settings);
   if (FAILED(persistent->Load(reader.Get()))) RefuseBlock("refuses its settings");
   mGenerator->SetEvents(mEvents.Get());
@@ -110,8 +107,7 @@ GeneratorBlock::GeneratorBlock(const NRuntime::Module& module, NRuntime::Applica
 
 GeneratorBlock::~GeneratorBlock() {
   mEvents->Silence();
-  if (mGenerator) mGenerator->SetEvents(nullptr);
-  if (mBlock) mBlock->Detach();
+  mGenerator->SetEvents(nullptr);
 }
 
 void GeneratorBlock::LoadSequence(const std::filesystem::path& path) {
@@ -122,6 +118,14 @@ void GeneratorBlock::LoadSequence(const std::filesystem::path& path) {
   const std::string text = OneLine(NRuntime::ToUtf8(std::wstring_view(reason.Text())));
   throw std::runtime_error(NRuntime::PathText(path) + ": " +
                            (text.empty() ? "the module cannot load it" : text));
+}
+
+NRuntime::Settings GeneratorBlock::Settings() const {
+  const auto writer = NRuntime::Make<NRuntime::SettingsWriter>();
+  if (FAILED(NRuntime::Query<NSdk::IPersistentObject>(Object())->Save(writer.Get()))) {
+    RefuseBlock("does not give its settings");
+  }
+  return writer->Written();
 }
 
 void GeneratorBlock::ToggleSequence() {

@@ -3,10 +3,11 @@
 #include <filesystem>
 #include <string>
 
+#include "host/bench/inserted_block.h"
 #include "host/runtime/application.h"
 #include "host/runtime/com.h"
-#include "host/runtime/module.h"
 #include "host/runtime/persistence.h"
+#include "host/runtime/setup.h"
 #include "sdk/generator.h"
 
 namespace NBench {
@@ -22,12 +23,12 @@ class GeneratorListener {
   virtual void OnActivityChanged() = 0;
 };
 
-/// A generator block of the module, from its creation to its end.
+/// A generator block of the module, as long as it is in the setup.
 class GeneratorBlock {
  public:
-  /// Creates the block, gives it its place in the host and its settings. Throws std::runtime_error when the
-  /// module has no such block or it refuses.
-  GeneratorBlock(const NRuntime::Module& module, NRuntime::Application& application,
+  /// Inserts the block by the module's command and gives it its settings. Throws std::runtime_error when the
+  /// module has no such command or block, or it refuses.
+  GeneratorBlock(const NRuntime::Application& application, NRuntime::Setup& setup,
                  const NRuntime::Settings& settings, GeneratorListener& listener);
   ~GeneratorBlock();
   GeneratorBlock(const GeneratorBlock&) = delete;
@@ -35,6 +36,10 @@ class GeneratorBlock {
 
   /// Throws std::runtime_error, one line that names the file and what is wrong with it.
   void LoadSequence(const std::filesystem::path& path);
+  /// Loads the file that the settings remember, if any. The module tells the user when it cannot.
+  void ReloadSequence() { mGenerator->ReloadSequence(); }
+  /// As a configuration keeps them.
+  NRuntime::Settings Settings() const;
 
   /// As IGenerator has them. Throws std::runtime_error when the block refuses.
   void ToggleSequence();
@@ -47,13 +52,12 @@ class GeneratorBlock {
   /// An item for a message to the user: `item 3 of the sequence: PDO, Node-ID 1, ...`
   std::string DescribeItem(NSdk::GeneratorList list, std::uint32_t position) const;
 
-  const NRuntime::ComPtr<IUnknown>& Object() const { return mObject; }
+  const NRuntime::ComPtr<IUnknown>& Object() const { return mInserted.Object(); }
 
  private:
   class Events;
 
-  NRuntime::ComPtr<IUnknown> mObject;
-  NRuntime::ComPtr<NSdk::IPlugInBlock> mBlock;
+  InsertedBlock mInserted;
   NRuntime::ComPtr<NSdk::IGenerator> mGenerator;
   NRuntime::ComPtr<Events> mEvents;
 };

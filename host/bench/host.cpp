@@ -80,6 +80,7 @@ Host::Host(const HostOptions& options, NRuntime::MeasurementObserver& observer,
       mMeasurement(mLoop, MakeChannels(mBuses, options.channels), observer),
       mApplication(NRuntime::Make<NRuntime::Application>(
           NRuntime::ApplicationSettings{options.variant, 1, 10}, MakeConfiguration(options))),
+      mSetup(NRuntime::Make<NRuntime::Setup>(*mApplication)),
       mModule(options.module.value_or(ProgramFolder() / kModuleName)) {
   mApplication->AddService<NSdk::IUserDialogs>(
       NRuntime::ComPtr<NSdk::IUserDialogs>::Own(new TextDialogs(std::move(showMessage), mPicked)));
@@ -91,6 +92,10 @@ void Host::PickNodes(std::vector<std::uint8_t> nodeIds) { *mPicked = std::move(n
 
 void Host::PowerOnDevices() {
   for (const auto& device : mDevices) device->PowerOn();
+}
+
+void Host::PowerOffDevices() {
+  for (const auto& device : mDevices) device->PowerOff();
 }
 
 }  // namespace NBench

@@ -15,6 +15,7 @@
 #include "host/runtime/asio_loop.h"
 #include "host/runtime/measurement.h"
 #include "host/runtime/module.h"
+#include "host/runtime/setup.h"
 
 namespace NBench {
 
@@ -52,6 +53,7 @@ class Host {
 
   /// Lets the simulated devices boot. Throws std::runtime_error when one cannot join its bus.
   void PowerOnDevices();
+  void PowerOffDevices();
 
   /// Of the database.
   const NodeNames& Names() const { return mNames; }
@@ -59,6 +61,8 @@ class Host {
   NRuntime::AsioLoop& Loop() { return mLoop; }
   NRuntime::Application& Application() { return *mApplication; }
   NRuntime::Module& Module() { return mModule; }
+  /// Where blocks are inserted; a host without windows has one setup for all of them.
+  NRuntime::Setup& Setup() { return *mSetup; }
   NRuntime::Measurement& Measurement() { return mMeasurement; }
 
  private:
@@ -68,6 +72,7 @@ class Host {
   std::vector<std::unique_ptr<NDevices::DeviceOnBus>> mDevices;
   NRuntime::Measurement mMeasurement;
   NRuntime::ComPtr<NRuntime::Application> mApplication;
+  NRuntime::ComPtr<NRuntime::Setup> mSetup;
   std::shared_ptr<std::vector<std::uint8_t>> mPicked = std::make_shared<std::vector<std::uint8_t>>();
   NRuntime::Module mModule;
 };

@@ -7,6 +7,7 @@
 #include "host/bench/console.h"
 #include "host/bench/frame_words.h"
 #include "host/bench/generator_block.h"
+#include "host/bench/nmt_order.h"
 #include "host/bench/stop_request.h"
 #include "host/buses/bus_factory.h"
 #include "host/buses/candump.h"
@@ -49,22 +50,10 @@ Examples:
 constexpr NRuntime::Time kPatience = std::chrono::seconds(1);
 constexpr NRuntime::Time kEcho = std::chrono::milliseconds(50);
 
-struct KindWord {
-  const char* word;
-  const wchar_t* command;
-};
-
-constexpr KindWord kKinds[] = {{"operational", L"CANopen.Operational"},
-                               {"preoperational", L"CANopen.Preoperational"},
-                               {"stop", L"CANopen.Stop"},
-                               {"reset", L"CANopen.Reset"}};
-
 struct NmtOptions {
   HostOptions host;
   std::uint32_t channel = 0;
-  std::wstring command;               ///< without its network
-  std::vector<std::uint8_t> nodeIds;  ///< empty: all nodes
-  std::uint32_t network = 1;
+  NmtOrder order;
 };
 
 // Sends the command and shows what is on the bus until everything has left and the nodes had time to answer.
@@ -83,8 +72,7 @@ class Sender final : private NRuntime::MeasurementObserver, private GeneratorLis
   void OnActivityChanged() override {}
   void AddError(std::string text);
 
-  std::wstring CommandName() const;
-  void Execute();
+  void SendAll();
 
   const NmtOptions mOptions;
   bool mFailed = false;
@@ -99,12 +87,10 @@ class Sender final : private NRuntime::MeasurementObserver, private GeneratorLis
 Sender::Sender(const NmtOptions& options)
     : mOptions(options),
       mHost(options.host, *this, [this](const std::string& text) { AddError(text); }),
-      mGenerator(mHost.Module(), mHost.Application(), {{L"CANChannel", std::to_wstring(options.channel)}},
+      mGenerator(mHost.Application(), mHost.Setup(), {{L"CANChannel", std::to_wstring(options.channel)}},
                  *this),
       mEnd(mHost.Loop().MakeAlarm([this] { mHost.Loop().Stop(); })),
-      mToSend(std::max<std::size_t>(options.nodeIds.size(), 1)) {
-  mHost.PickNodes(options.nodeIds);
-}
+      mToSend(std::max<std::size_t>(options.order.nodeIds.size(), 1)) {}
 
 ExitStatus Sender::Run() {
   const StopRequest stopRequest(mHost.Loop(), [this] {
@@ -113,7 +99,7 @@ ExitStatus Sender::Run() {
   });
   mHost.Measurement().Start({mGenerator.Object()});
   mHost.PowerOnDevices();
-  mHost.Loop().Post([this] { Execute(); });
+  mHost.Loop().Post([this] { SendAll(); });
   mEnd->SetFor(mHost.Loop().Now() + kPatience);
   mHost.Loop().Run();
   mHost.Measurement().Stop();
@@ -123,14 +109,8 @@ ExitStatus Sender::Run() {
   return mStopped ? kInterrupted : kOk;
 }
 
-std::wstring Sender::CommandName() const {
-  return mOptions.command + (mOptions.nodeIds.empty() ? L".All." : L".Nodes.") +
-         std::to_wstring(mOptions.network);
-}
-
-void Sender::Execute() {
-  const auto command = mHost.Application().Commands().FindCommand(CommandName());
-  if (!command || FAILED(command->Execute(nullptr))) AddError("the module refuses the command");
+void Sender::SendAll() {
+  if (!Execute(mHost, mOptions.order)) AddError("the module refuses the command");
   if (mFailed) mHost.Loop().Stop();
 }
 
@@ -159,7 +139,6 @@ class NmtCommand final : public Command {
 
  private:
   NmtOptions Check() const;
-  std::vector<std::uint8_t> CheckTargets() const;
 
   HostTexts mHost;
   std::string mKind, mNetwork = "1";
@@ -173,37 +152,14 @@ void NmtCommand::AddOptions(CLI::App& app) {
   app.add_option("--network", mNetwork);
 }
 
-std::vector<std::uint8_t> NmtCommand::CheckTargets() const {
-  constexpr std::uint32_t kLastNode = 127;
-  std::vector<std::uint8_t> nodeIds;
-  if (mTargets == std::vector<std::string>{"all"}) return nodeIds;
-  for (const std::string& text : mTargets) {
-    const auto nodeId = ParseNumber(text, 1, kLastNode);
-    if (!nodeId) Refuse("NODE", text, "all, or a node-ID from " + Range(1, kLastNode) + " is wanted");
-    const auto narrow = static_cast<std::uint8_t>(*nodeId);
-    if (std::find(nodeIds.begin(), nodeIds.end(), narrow) != nodeIds.end()) {
-      Refuse("NODE", text, "this node-ID is given twice");
-    }
-    nodeIds.push_back(narrow);
-  }
-  return nodeIds;
-}
-
 NmtOptions NmtCommand::Check() const {
   constexpr std::uint32_t kLastNetwork = 4;
   NmtOptions options;
   options.host = CheckHost(mHost);
   options.channel = ChooseChannel(mHost.channel, options.host.channels);
-  const auto kind = std::find_if(std::begin(kKinds), std::end(kKinds),
-                                 [&](const KindWord& known) { return mKind == known.word; });
-  if (kind == std::end(kKinds)) {
-    Refuse("COMMAND", mKind, "operational, preoperational, stop or reset is wanted");
-  }
-  options.command = kind->command;
-  options.nodeIds = CheckTargets();
   const auto network = ParseNumber(mNetwork, 1, kLastNetwork);
   if (!network) Refuse("--network", mNetwork, "a number from " + Range(1, kLastNetwork) + " is wanted");
-  options.network = *network;
+  options.order = ParseNmtOrder(mKind, mTargets, *network);
   return options;
 }
 

@@ -23,7 +23,7 @@ class NodeScan::BlockBehind final : public NRuntime::Implements<NSdk::IRTClient,
 NodeScan::NodeScan(Host& host, Listener changed)
     : mHost(host),
       mChanged(std::move(changed)),
-      mScanner(host.Module(), host.Application(), host.Names()),
+      mScanner(host.Application(), host.Setup(), host.Names()),
       mBehind(static_cast<NSdk::IRTClient*>(NRuntime::Make<BlockBehind>(*this).Get())),
       mChangeCount(mScanner.ChangeCount()) {}
 

@@ -87,7 +87,7 @@ class Player final : private NRuntime::MeasurementObserver, private GeneratorLis
 Player::Player(const PlayOptions& options)
     : mOptions(options),
       mHost(options.host, *this, [this](const std::string& text) { OnModuleMessage(text); }),
-      mGenerator(mHost.Module(), mHost.Application(), GeneratorSettings(options), *this),
+      mGenerator(mHost.Application(), mHost.Setup(), GeneratorSettings(options), *this),
       mScan(options.scan
                 ? std::make_unique<NodeScan>(mHost, [this](NRuntime::Time time) { OnNodesChanged(time); })
                 : nullptr),

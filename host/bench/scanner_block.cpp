@@ -2,7 +2,6 @@
 
 #include <stdexcept>
 
-#include "host/runtime/persistence.h"
 #include "host/runtime/text.h"
 #include "sdk/class_ids.h"
 
@@ -64,20 +63,12 @@ ScannedNode Read(NSdk::IScanner& scanner, NSdk::ICANopenNode& node) {
 
 }  // namespace
 
-ScannerBlock::ScannerBlock(const NRuntime::Module& module, NRuntime::Application& application,
-                           NodeNames names)
-    : mObject(module.Create(NSdk::kProgIdCANopenScanner)),
-      mBlock(NRuntime::Query<NSdk::IPlugInBlock>(mObject)),
-      mScanner(NRuntime::Query<NSdk::IScanner>(mObject)),
+ScannerBlock::ScannerBlock(const NRuntime::Application& application, NRuntime::Setup& setup, NodeNames names)
+    : mInserted(application, setup, L"Insert.CANopenScanner"),
+      mScanner(NRuntime::Query<NSdk::IScanner>(Object())),
       mNames(std::move(names)) {
-  if (!mBlock || !mScanner) RefuseBlock("is not a scanner");
-  const auto site = NRuntime::Make<NRuntime::BlockSite>(application);
-  if (FAILED(mBlock->Attach(site.Get()))) RefuseBlock("refuses its place in the host");
+  if (!mScanner) RefuseBlock("is not a scanner");
   if (FAILED(mScanner->GetModel(mModel.Out())) || !mModel) RefuseBlock("has no table of nodes");
-}
-
-ScannerBlock::~ScannerBlock() {
-  if (mBlock) mBlock->Detach();
 }
 
 std::uint32_t ScannerBlock::ChangeCount() const {

@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
+#include "host/bench/inserted_block.h"
 #include "host/bench/node_names.h"
 #include "host/runtime/application.h"
 #include "host/runtime/com.h"
-#include "host/runtime/module.h"
 #include "sdk/scanner.h"
 
 namespace NBench {
@@ -32,26 +32,22 @@ struct NodeTable {
   std::vector<ScannedNode> nodes;  ///< by channel and node-ID
 };
 
-/// A scanner block of the module, from its creation to its end.
+/// A scanner block of the module, as long as it is in the setup.
 class ScannerBlock {
  public:
-  /// Creates the block and gives it its place in the host. `names` are shown for nodes whose own name was not
-  /// heard. Throws std::runtime_error when the module has no such block or it refuses.
-  ScannerBlock(const NRuntime::Module& module, NRuntime::Application& application, NodeNames names);
-  ~ScannerBlock();
-  ScannerBlock(const ScannerBlock&) = delete;
-  ScannerBlock& operator=(const ScannerBlock&) = delete;
+  /// Inserts the block by the module's command. `names` are shown for nodes whose own name was not heard.
+  /// Throws std::runtime_error when the module has no such command or block, or it refuses.
+  ScannerBlock(const NRuntime::Application& application, NRuntime::Setup& setup, NodeNames names);
 
   /// Differs whenever the table has changed.
   std::uint32_t ChangeCount() const;
   std::vector<ScannedNode> Nodes() const;
   NodeTable Table() const;
 
-  const NRuntime::ComPtr<IUnknown>& Object() const { return mObject; }
+  const NRuntime::ComPtr<IUnknown>& Object() const { return mInserted.Object(); }
 
  private:
-  NRuntime::ComPtr<IUnknown> mObject;
-  NRuntime::ComPtr<NSdk::IPlugInBlock> mBlock;
+  InsertedBlock mInserted;
   NRuntime::ComPtr<NSdk::IScanner> mScanner;
   NRuntime::ComPtr<NSdk::IModel> mModel;
   NodeNames mNames;

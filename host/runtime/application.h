@@ -32,7 +32,7 @@ class Application final : public Implements<NSdk::IHostApplication> {
   /// How the application learns whether a measurement runs.
   void SetMeasuringQuery(std::function<bool()> isMeasuring) { mIsMeasuring = std::move(isMeasuring); }
 
-  CommandRegistry& Commands() { return *mCommands; }
+  CommandRegistry& Commands() const { return *mCommands; }
   BlockTypeRegistry& BlockTypes() { return *mBlockTypes; }
   const EventSource<NSdk::IApplicationEvents>& ApplicationEvents() const { return *mApplicationEvents; }
   const EventSource<NSdk::ISettingEvents>& SettingEvents() const { return *mSettingEvents; }

@@ -84,7 +84,8 @@ TEST_F(BadInput, OfAScan) {
       {"it.seq", "it.seq"},
       {"--log " + In("folder"), "folder: cannot be created"},
       {"--module " + In("none.hpi"), "none.hpi: no such module"},
-      {"--module " + NTest::Quoted(FAULTY_MODULE_5), "is not a scanner"},
+      {"--module " + NTest::Quoted(FAULTY_MODULE_5),
+       "\"Insert.CANopenScanner\": the module has none of this name"},
   };
   for (const auto& [options, named] : cases) Expect("scan " + options, named);
 }
@@ -115,7 +116,7 @@ TEST_F(BadInput, InModules) {
       {NTest::Quoted(FAULTY_MODULE_2), "has no class \"HarlowPlugIn.PlugIn\""},
       {NTest::Quoted(FAULTY_MODULE_3), "has no factory for \"HarlowPlugIn.PlugIn\""},
       {NTest::Quoted(FAULTY_MODULE_4), "is not a plug-in object"},
-      {NTest::Quoted(FAULTY_MODULE_5), "is not a generator"},
+      {NTest::Quoted(FAULTY_MODULE_5), "\"Insert.CANopenIG\": the module has none of this name"},
   };
   for (const auto& [module, named] : cases) {
     Expect("play " + kGoodFile + "--module " + module + " --log " + In("new.log"), named);

@@ -3,7 +3,7 @@
 //   2  knows no class
 //   3  answers S_OK and hands out nothing
 //   4  makes objects that are nothing but objects
-//   5  has a plug-in object, but its blocks are nothing but objects
+//   5  has a plug-in object that registers no commands
 #include "host/runtime/com.h"
 #include "sdk/class_ids.h"
 #include "sdk/plugin.h"

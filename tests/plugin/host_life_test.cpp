@@ -9,6 +9,7 @@
 #include "host/runtime/application.h"
 #include "host/runtime/measurement.h"
 #include "host/runtime/module.h"
+#include "host/runtime/setup.h"
 #include "host/runtime/shared_library.h"
 #include "sdk/class_ids.h"
 #include "sdk/scanner.h"
@@ -50,27 +51,18 @@ class CommandList final : public NRuntime::Implements<NSdk::ICommandList> {
   std::vector<std::wstring> names;
 };
 
-// A setup, its context for commands, and what is selected in it.
-class Setup final : public NRuntime::Implements<NSdk::ISetup, NSdk::ISetupAccess, NSdk::ISelectionContext> {
+class Selection final : public NRuntime::Implements<NSdk::ISelectionContext> {
  public:
-  HRESULT STDMETHODCALLTYPE AddBlock(IUnknown* block) override {
-    blocks.emplace_back(block);
-    return S_OK;
-  }
-  HRESULT STDMETHODCALLTYPE RemoveBlock(IUnknown*) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE GetCurrentSetup(NSdk::ISetup** setup) override {
-    return ComPtr<NSdk::ISetup>(this).MoveTo(setup);
-  }
+  explicit Selection(std::vector<ComPtr<IUnknown>> selected) : mSelected(std::move(selected)) {}
   HRESULT STDMETHODCALLTYPE GetSelectedCount(std::uint32_t* count) override {
-    *count = static_cast<std::uint32_t>(selected.size());
-    return S_OK;
+    return NRuntime::HandOut(static_cast<std::uint32_t>(mSelected.size()), count);
   }
   HRESULT STDMETHODCALLTYPE GetSelected(std::uint32_t position, IUnknown** item) override {
-    return ComPtr<IUnknown>(selected[position]).MoveTo(item);
+    return ComPtr<IUnknown>(mSelected[position]).MoveTo(item);
   }
 
-  std::vector<ComPtr<IUnknown>> blocks;
-  std::vector<ComPtr<IUnknown>> selected;
+ private:
+  std::vector<ComPtr<IUnknown>> mSelected;
 };
 
 template <class Interface>
@@ -98,12 +90,15 @@ class Host : private NRuntime::MeasurementObserver {
     application->SetMeasuringQuery([this] { return measurement.IsRunning(); });
     module.Initialise(*application);
   }
-  ~Host() override { measurement.Stop(); }
+  ~Host() override {
+    measurement.Stop();
+    setup->Clear();
+  }
 
   void Execute(const wchar_t* name) {
     const auto command = application->Commands().FindCommand(name);
     ASSERT_TRUE(command) << name;
-    EXPECT_EQ(command->Execute(static_cast<NSdk::ISetup*>(setup.Get())), S_OK);
+    EXPECT_EQ(command->Execute(NRuntime::Make<NRuntime::SetupContext>(*setup).Get()), S_OK);
     loop.RunFor(0ms);
   }
   std::uint32_t State(const wchar_t* name) {
@@ -111,17 +106,6 @@ class Host : private NRuntime::MeasurementObserver {
     const auto command = application->Commands().FindCommand(name);
     if (command) command->GetState(&state);
     return state;
-  }
-  void StartMeasurement() {
-    for (const auto& block : setup->blocks) {
-      const auto site = NRuntime::Make<NRuntime::BlockSite>(*application);
-      NRuntime::Query<NSdk::IPlugInBlock>(block)->Attach(site.Get());
-    }
-    measurement.Start(setup->blocks);
-  }
-  void StopMeasurement() {
-    measurement.Stop();
-    for (const auto& block : setup->blocks) NRuntime::Query<NSdk::IPlugInBlock>(block)->Detach();
   }
   std::vector<std::string> TakeFrames() { return std::exchange(mFrames, {}); }
 
@@ -131,7 +115,7 @@ class Host : private NRuntime::MeasurementObserver {
   ComPtr<NRuntime::Application> application;
   NRuntime::Measurement measurement;
   NRuntime::Module module{OSTREL_MODULE};
-  ComPtr<Setup> setup = NRuntime::Make<Setup>();
+  ComPtr<NRuntime::Setup> setup = NRuntime::Make<NRuntime::Setup>(*application);
 
  private:
   static NRuntime::ConfigurationData Configuration(std::uint32_t channels,
@@ -271,10 +255,10 @@ TEST(HostLife, BlocksAreInsertedAndCommandsReachTheBus) {
     Host host(variant);
     host.Execute(L"Insert.CANopenScanner");
     host.Execute(L"Insert.CANopenIG");
-    ASSERT_EQ(host.setup->blocks.size(), 2u);
-    EXPECT_TRUE(NRuntime::Query<NSdk::IScanner>(host.setup->blocks[0]));
+    ASSERT_EQ(host.setup->Blocks().size(), 2u);
+    EXPECT_TRUE(NRuntime::Query<NSdk::IScanner>(host.setup->Blocks()[0]));
 
-    host.StartMeasurement();
+    host.measurement.Start(host.setup->Blocks());
     EXPECT_EQ(host.State(L"Insert.CANopenIG"), 0u);
     host.application->Commands().CommandsShown();
     EXPECT_EQ(host.State(L"CANopen.Stop.All.1"), 0u);
@@ -305,7 +289,7 @@ TEST(HostLife, BlocksAreInsertedAndCommandsReachTheBus) {
                                         : L"CANopen NMT message cannot be transmitted on the CAN channel "
                                           L"\"CAN2\""));
 
-    host.StopMeasurement();
+    host.measurement.Stop();
     EXPECT_EQ(host.State(L"Insert.CANopenIG"), 1u);
     host.application->Commands().CommandsShown();
     EXPECT_EQ(host.State(L"CANopen.Stop.All.1"), 2u);
@@ -327,7 +311,7 @@ TEST(HostLife, NodesOfTheDatabasesHaveCommandsOfTheirOwn) {
     return text.Text();
   };
   host.Execute(L"Insert.CANopenIG");
-  host.StartMeasurement();
+  host.measurement.Start(host.setup->Blocks());
   host.application->Commands().CommandsShown();
   EXPECT_EQ(host.State(L"CANopen.Stop.1"), 0u);
   EXPECT_EQ(caption(L"CANopen.Stop.1"), L"A (ID 20)");
@@ -341,7 +325,7 @@ TEST(HostLife, NodesOfTheDatabasesHaveCommandsOfTheirOwn) {
   EXPECT_EQ(host.dialogs->offered.size(), 127u);
   EXPECT_THAT(std::vector<std::uint8_t>(host.dialogs->offered.begin(), host.dialogs->offered.begin() + 12),
               ElementsAre(20, 19, 18, 17, 16, 15, 14, 13, 12, 11, 10, 1));
-  host.StopMeasurement();
+  host.measurement.Stop();
   host.application->Commands().CommandsShown();
   EXPECT_EQ(host.State(L"CANopen.Stop.1"), 2u);
   EXPECT_EQ(caption(L"CANopen.Stop.1"), L"Send CANopen NMT Stop");
@@ -355,9 +339,9 @@ TEST(HostLife, ContextMenuOffersWhatFitsTheSelection) {
                           std::uint32_t channels = 1) {
     Host host(variant, channels);
     const auto list = NRuntime::Make<CommandList>();
-    host.setup->selected = std::move(selected);
+    const auto selection = NRuntime::Make<Selection>(std::move(selected));
     const auto extensions = NRuntime::Query<NSdk::IPlugInExtensions>(host.module.Create(NSdk::kProgIdPlugIn));
-    EXPECT_EQ(extensions->AddContextCommands(NSdk::IidOf<NSdk::ICommandList>(), list.Get(), host.setup.Get()),
+    EXPECT_EQ(extensions->AddContextCommands(NSdk::IidOf<NSdk::ICommandList>(), list.Get(), selection.Get()),
               S_OK);
     std::wstring text;
     for (const std::wstring& name : list->names) text += name + L";";
@@ -413,10 +397,10 @@ TEST(HostLife, AHundredLivesLeaveNothingBehind) {
       Host host(kBothVariants[life % 2]);
       host.Execute(L"Insert.CANopenScanner");
       host.Execute(L"Insert.CANopenIG");
-      host.StartMeasurement();
+      host.measurement.Start(host.setup->Blocks());
       host.Execute(L"CANopen.Stop.All.1");
       host.loop.RunFor(300ms);
-      host.StopMeasurement();
+      host.measurement.Stop();
       EXPECT_THAT(host.TakeFrames(), ElementsAre("can1 000#0200"));
       EXPECT_EQ(canUnload(), S_FALSE);
     }
