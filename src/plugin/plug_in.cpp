@@ -7,6 +7,7 @@
 #include "common/host_application.h"
 #include "common/host_library.h"
 #include "common/text.h"
+#include "plugin/database_nodes.h"
 #include "plugin/language.h"
 #include "plugin/nmt_dispatch.h"
 #include "plugin/version.h"
@@ -205,6 +206,41 @@ HRESULT ZPlugIn::OnCommandsShown() {
     const std::vector<ZCONetworkEntry> entries = NetworkEntries();
     mCommands->ShowNetworks(entries.size());
     mCommands->ShowNodes(MenuNodes(entries));
+  });
+}
+
+// ---- databases
+
+HRESULT ZPlugIn::GetChannelCount(std::uint32_t* count) {
+  return NCom::Entry([&]() -> HRESULT {
+    if (!count) return E_POINTER;
+    NChannels::TheChannelManager().Refresh();
+    *count = NChannels::TheChannelManager().ChannelCount();
+    return S_OK;
+  });
+}
+
+HRESULT ZPlugIn::GetChannelAt(std::uint32_t position, std::uint32_t* number, std::uint32_t* protocols,
+                              wchar_t** name) {
+  return NCom::Entry([&]() -> HRESULT {
+    if (!number || !protocols || !name) return E_POINTER;
+    NChannels::ZChannelManager& channels = NChannels::TheChannelManager();
+    channels.Refresh();
+    if (position >= channels.ChannelCount()) return E_INVALIDARG;
+    const NChannels::Channel& channel = channels.At(position);
+    NCom::HandOut(NChannels::DisplayName(channel), name);
+    *number = channel.number;
+    *protocols = ProtocolsOf(channel);
+    return S_OK;
+  });
+}
+
+HRESULT ZPlugIn::GetNodes(std::uint32_t channel, NSdk::IArray** nodes) {
+  return NCom::Entry([&]() -> HRESULT {
+    if (!nodes) return E_POINTER;
+    std::vector<NSdo::DatabaseNode> found;
+    const HRESULT result = NSdo::BuildDatabaseNodeList(channel, found);
+    return FAILED(result) ? result : MakeNodeArray(std::move(found)).CopyTo(nodes);
   });
 }
 

@@ -5,14 +5,16 @@
 #include "com/com_ptr.h"
 #include "com/implements.h"
 #include "plugin/commands.h"
+#include "sdk/database_nodes.h"
 #include "sdk/plugin.h"
 
 namespace NPlugin {
 
 /// The one object that a host creates from this module and talks to for its whole life. The module keeps it,
 /// so that it does not keep the module.
-class ZPlugIn final : public NCom::ImplementsCached<NSdk::IPlugIn, NSdk::IVersion, NSdk::IPlugInExtensions,
-                                                    NSdk::IApplicationEvents, NSdk::ICommandEvents> {
+class ZPlugIn final
+    : public NCom::ImplementsCached<NSdk::IPlugIn, NSdk::IVersion, NSdk::IPlugInExtensions,
+                                    NSdk::IApplicationEvents, NSdk::ICommandEvents, NSdk::IDatabaseNodes> {
  public:
   // For the commands
   void SendNmt(NmtKind kind, std::uint8_t network, std::uint8_t target);
@@ -40,6 +42,12 @@ class ZPlugIn final : public NCom::ImplementsCached<NSdk::IPlugIn, NSdk::IVersio
   HRESULT STDMETHODCALLTYPE OnConfigurationOpened() override;
   HRESULT STDMETHODCALLTYPE OnConfigurationChanged() override;
   HRESULT STDMETHODCALLTYPE OnCommandsShown() override;
+
+  // IDatabaseNodes
+  HRESULT STDMETHODCALLTYPE GetChannelCount(std::uint32_t* count) override;
+  HRESULT STDMETHODCALLTYPE GetChannelAt(std::uint32_t position, std::uint32_t* number,
+                                         std::uint32_t* protocols, wchar_t** name) override;
+  HRESULT STDMETHODCALLTYPE GetNodes(std::uint32_t channel, NSdk::IArray** nodes) override;
 
  private:
   void AddCommands();
