@@ -28,9 +28,11 @@ void Output::Write(std::string_view text) {
   if (errno != EPIPE && errno != EINVAL) mReason = std::string("standard output: ") + std::strerror(errno);
 }
 
-void Complain(std::string_view text) {
-  const std::string line = "ostrel-bench: " + std::string(text) + '\n';
-  std::fwrite(line.data(), 1, line.size(), stderr);
+void Complain(std::string_view text) { WriteError("ostrel-bench: " + std::string(text)); }
+
+void WriteError(std::string_view line) {
+  const std::string text = std::string(line) + '\n';
+  std::fwrite(text.data(), 1, text.size(), stderr);
   std::fflush(stderr);
 }
 

@@ -35,6 +35,8 @@ class Output {
 
 /// One line on standard error, with the program's name in front.
 void Complain(std::string_view text);
+/// One line on standard error as it stands, for what editors find by FILE:LINE.
+void WriteError(std::string_view line);
 
 struct TerminalSize {
   std::size_t columns = 80;

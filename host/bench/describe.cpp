@@ -3,13 +3,12 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
 
 #include "host/bench/console.h"
 #include "host/bench/description.h"
 #include "host/bench/node_document.h"
 #include "host/bench/node_words.h"
+#include "host/bench/text_table.h"
 #include "host/runtime/text.h"
 
 namespace NBench {
@@ -17,16 +16,9 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr std::size_t kColumns = 8;
 constexpr std::size_t kLongestName = 48;  // characters of a name in the table
 
-using Row = std::array<std::wstring, kColumns>;
-
-std::wstring Digits(unsigned number, int count) {
-  char text[16];
-  std::snprintf(text, sizeof text, "%0*X", count, number);
-  return NRuntime::ToWide(text);
-}
+using Row = std::vector<std::wstring>;
 
 std::wstring RangeText(const DescribedSubObject& object) {
   if (!object.low && !object.high) return {};
@@ -40,38 +32,16 @@ std::wstring NameText(const DescribedSubObject& object, bool isSub) {
 }
 
 Row SubObjectRow(const DescribedSubObject& object, bool isSub) {
-  return {Digits(object.index, 4),  isSub ? Digits(object.subindex, 2) : L"",
-          NameText(object, isSub),  Printable(object.type),
-          Printable(object.access), object.mappable ? L"P" : L"",
-          RangeText(object),        Printable(object.value.value_or(""))};
+  return {HexDigits(object.index, 4), isSub ? HexDigits(object.subindex, 2) : L"",
+          NameText(object, isSub),    Printable(object.type),
+          Printable(object.access),   object.mappable ? L"P" : L"",
+          RangeText(object),          Printable(object.value.value_or(""))};
 }
 
 void AddRows(const DescribedObject& object, std::vector<Row>& rows) {
   if (object.subObjects.empty()) return rows.push_back(SubObjectRow(object, false));
-  rows.push_back({Digits(object.index, 4), L"", NameText(object, false), Printable(object.type)});
+  rows.push_back({HexDigits(object.index, 4), L"", NameText(object, false), Printable(object.type)});
   for (const DescribedSubObject& sub : object.subObjects) rows.push_back(SubObjectRow(sub, true));
-}
-
-std::string TableText(const std::vector<Row>& rows) {
-  std::array<std::size_t, kColumns> widths{};
-  for (const Row& row : rows) {
-    for (std::size_t i = 0; i < kColumns; ++i) widths[i] = std::max(widths[i], row[i].size());
-  }
-  std::wstring text;
-  for (const Row& row : rows) {
-    std::wstring line;
-    for (std::size_t i = 0; i < kColumns; ++i) {
-      if (widths[i] == 0) continue;
-      line += row[i] + std::wstring(widths[i] - row[i].size() + 2, L' ');
-    }
-    line.erase(line.find_last_not_of(L' ') + 1);
-    text += line + L'\n';
-  }
-  return NRuntime::ToUtf8(text);
-}
-
-std::string Count(std::size_t count, const char* what) {
-  return std::to_string(count) + ' ' + what + (count == 1 ? "" : "s");
 }
 
 std::size_t CountValues(const std::vector<DescribedObject>& objects) {
@@ -95,9 +65,9 @@ std::string HeadText(const DeviceDescription& description) {
 std::string DescriptionText(const DeviceDescription& description) {
   std::vector<Row> rows = {{L"Index", L"Sub", L"Name", L"Type", L"Access", L"PDO", L"Range", L"Value"}};
   for (const DescribedObject& object : description.objects) AddRows(object, rows);
-  return HeadText(description) + TableText(rows) + Count(description.objects.size(), "object") + ", " +
-         Count(CountValues(description.objects), "value") + ", " +
-         (description.warnings.empty() ? "no warnings" : Count(description.warnings.size(), "warning")) +
+  return HeadText(description) + ColumnsText(rows) + CountText(description.objects.size(), "object") + ", " +
+         CountText(CountValues(description.objects), "value") + ", " +
+         (description.warnings.empty() ? "no warnings" : CountText(description.warnings.size(), "warning")) +
          '\n';
 }
 
@@ -147,12 +117,6 @@ Json DescriptionDocument(const DeviceDescription& description) {
   return document;
 }
 
-// As compilers do, so that editors find the place.
-void Warn(const DescriptionWarning& warning) {
-  const std::string line = NRuntime::ToUtf8(Printable(warning.text)) + '\n';
-  std::fwrite(line.data(), 1, line.size(), stderr);
-}
-
 }  // namespace
 
 ExitStatus Describe(const DescribeOptions& options) {
@@ -161,8 +125,9 @@ ExitStatus Describe(const DescribeOptions& options) {
   if (options.json) {
     output.Write(DocumentText(DescriptionDocument(description)));
   } else {
-    for (const DescriptionWarning& warning : description.warnings) Warn(warning);
-    std::fflush(stderr);
+    for (const DescriptionWarning& warning : description.warnings) {
+      WriteError(NRuntime::ToUtf8(Printable(warning.text)));
+    }
     output.Write(DescriptionText(description));
   }
   if (!output.Reason().empty()) Complain(output.Reason());

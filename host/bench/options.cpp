@@ -10,9 +10,11 @@
 #include "host/bench/commands.h"
 #include "host/bench/describe_options.h"
 #include "host/bench/nmt.h"
+#include "host/bench/nodes.h"
 #include "host/bench/play_options.h"
 #include "host/bench/scan_options.h"
 #include "host/bench/serve.h"
+#include "host/bench/shell.h"
 #include "host/runtime/text.h"
 
 namespace NBench {
@@ -32,7 +34,9 @@ constexpr CommandRow kCommands[] = {
     {"play", "FILE.seq", "Play a sequence file on a CAN bus", MakePlayCommand},
     {"scan", "", "List the CANopen nodes on a CAN bus", MakeScanCommand},
     {"nmt", "COMMAND NODE...", "Send an NMT command to nodes on a CAN bus", MakeNmtCommand},
+    {"shell", "[SCRIPT]", "Drive a host by commands, typed or from a script", MakeShellCommand},
     {"commands", "", "List the commands that the module registers", MakeCommandsCommand},
+    {"nodes", "--db FILE.dbc", "List the CANopen nodes of a network's database", MakeNodesCommand},
     {"describe", "FILE.eds", "Print the object dictionary of a device description", MakeDescribeCommand},
     {"serve", "", "Let other programs use buses over the network", MakeServeCommand},
 };

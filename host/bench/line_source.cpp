@@ -1,0 +1,49 @@
+#include "host/bench/line_source.h"
+
+#include <stdexcept>
+#include <utility>
+
+#include "host/runtime/file_text.h"
+#include "host/runtime/text.h"
+
+namespace NBench {
+namespace {
+
+constexpr std::size_t kLargestScript = 1 << 20;
+
+class FileSource final : public LineSource {
+ public:
+  explicit FileSource(std::string text) : mText(std::move(text)) {}
+
+  std::optional<std::string> Next() override {
+    if (auto line = TakeLine(mText)) return line;
+    if (mText.empty()) return std::nullopt;
+    return std::exchange(mText, {});
+  }
+
+ private:
+  std::string mText;
+};
+
+}  // namespace
+
+std::optional<std::string> TakeLine(std::string& text) {
+  const std::size_t end = text.find('\n');
+  if (end == std::string::npos) return std::nullopt;
+  std::string line = text.substr(0, end);
+  text.erase(0, end + 1);
+  if (!line.empty() && line.back() == '\r') line.pop_back();
+  return line;
+}
+
+std::unique_ptr<LineSource> MakeFileSource(const std::filesystem::path& file) {
+  NRuntime::FileText text = NRuntime::ReadTextFile(file, kLargestScript);
+  const auto refuse = [&](const std::string& reason) {
+    throw std::runtime_error(NRuntime::PathText(file) + ": " + reason);
+  };
+  if (text.state == NRuntime::FileState::TooLarge) refuse("too large for a script");
+  if (text.state != NRuntime::FileState::Read) refuse(text.reason.empty() ? "cannot be read" : text.reason);
+  return std::make_unique<FileSource>(std::move(text.text));
+}
+
+}  // namespace NBench

@@ -1,0 +1,101 @@
+#include <gmock/gmock.h>
+
+#include "tests/bench/program.h"
+
+namespace {
+
+using testing::AllOf;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::StrEq;
+
+class Shell : public testing::Test {
+ protected:
+  void SetUp() override { std::filesystem::create_directories(folder); }
+  void TearDown() override { std::filesystem::remove_all(folder); }
+
+  NTest::Outcome Run(const std::string& lines, const std::string& options, bool piped = true) {
+    NTest::WriteFile(script, lines);
+    const std::string file = NTest::Quoted(script);
+    return NTest::RunBench("shell " + options + (piped ? " < " + file : " " + file), folder);
+  }
+
+  const std::filesystem::path folder =
+      std::filesystem::temp_directory_path() /
+      (std::string("ostrel shell ") + testing::UnitTest::GetInstance()->current_test_info()->name());
+  const std::filesystem::path script = folder / "it.txt";
+};
+
+const std::string kPlant = OSTREL_SOURCE_DIR "/examples/plant/";
+
+TEST_F(Shell, AScriptDrivesAPlant) {
+  const std::string devices = "--device 5:" + NTest::Quoted(kPlant + "valves.dcf") +
+                              "--device 9:" + NTest::Quoted(kPlant + "spindle.dcf") + "--db " +
+                              NTest::Quoted(kPlant + "plant.dbc");
+  const auto outcome =
+      Run("# a comment, and blanks\n  start\nwait 9 preoperational\n\ntrace on\nnmt operational 9 5\n"
+          "trace off # silence\nwait 5 operational 3\ntable\nrun \"" +
+              kPlant + "plant.seq\"\nwait 5 stopped\nstop\nblocks\n",
+          devices);
+  EXPECT_EQ(outcome.status, 0) << outcome.errors;
+  EXPECT_EQ(outcome.errors, "");
+  EXPECT_THAT(outcome.output, AllOf(HasSubstr("000   [2]  01 05                        NMT: start, node 5\n"),
+                                    HasSubstr("NMT: start, node 9\n"), HasSubstr("Spindle"),
+                                    EndsWith("26 items sent\n* 1  Generator\n")));
+  EXPECT_THAT(outcome.output, testing::Not(HasSubstr("RPDO")));
+}
+
+TEST_F(Shell, AnErrorStopsAScriptAtItsLine) {
+  const std::string started = "start\nstop\nhelp quit\n";
+  const struct {
+    std::string line;
+    int status;
+    const char* error;
+  } rows[] = {
+      {"dance", 2, "\"dance\": no such command; help lists them"},
+      {"load", 2, "\"load FILE.seq\" is wanted"},
+      {"load none.seq", 2, "none.seq: no such file"},
+      {"load \"none", 2, "a quotation mark is missing"},
+      {"trace maybe", 2, "\"maybe\": on or off is wanted"},
+      {"sleep long", 2, "\"long\": a number of seconds is wanted"},
+      {"nmt halt all", 2, "COMMAND halt: operational, preoperational, stop or reset is wanted"},
+      {"nmt stop 128", 2, "NODE 128: all, or a node-ID from 1 to 127 is wanted"},
+      {"nmt stop all network 5", 2, "\"5\": a network from 1 to 4 is wanted"},
+      {"use 2", 2, "there is no such generator"},
+      {"run", 1, "no measurement runs; start begins one"},
+      {"stop", 1, "no measurement runs; start begins one"},
+      {"save", 1, "there is no configuration to save"},
+  };
+  for (const auto& row : rows) {
+    const auto outcome = Run(started + row.line + "\nhelp help\n", "");
+    EXPECT_EQ(outcome.status, row.status) << row.line;
+    EXPECT_THAT(outcome.errors, HasSubstr(std::string("line 4: ") + row.error));
+    EXPECT_THAT(outcome.output, StrEq("quit  Leave; so does the end of the input\n"));
+  }
+  EXPECT_THAT(Run("help quit\nwait 3 stopped 0.1", "", false).errors,
+              HasSubstr("it.txt:2: no measurement runs"));
+}
+
+TEST_F(Shell, WhatIsNotReachedInTimeFails) {
+  const auto silent = Run("start\nwait 3 operational 0.2\n", "--device 5");
+  EXPECT_EQ(silent.status, 1);
+  EXPECT_THAT(silent.errors, HasSubstr("line 2: node 3 was not in this state within 0.200 s"));
+  const auto network = Run("start\nnmt stop all network 2\n", "--can 1=virtual --can 2=virtual:b");
+  EXPECT_EQ(network.status, 1);
+  EXPECT_THAT(network.errors, HasSubstr("insert this block in the simulation setup"));
+}
+
+TEST_F(Shell, CyclicTransmissionGoesOnBehindASequence) {
+  NTest::WriteFile(
+      folder / "it.seq",
+      "<CANopenIG><Sequence><NMT NodeID=\"0\" NMTState=\"1\" Enabled=\"1\"/></Sequence><CyclicMsgs>"
+      "<SYNC COBID=\"0x80\" SendCycle=\"20\" SendDelay=\"0\" Enabled=\"1\"/></CyclicMsgs></CANopenIG>");
+  const auto outcome = Run("start\nload \"" + (folder / "it.seq").string() +
+                               "\"\ncyclic on\nrun\ntrace on\nsleep 0.3\ncyclic off\ntrace off\nsleep 0.1\n",
+                           "");
+  EXPECT_EQ(outcome.status, 0) << outcome.errors;
+  EXPECT_THAT(outcome.output, AllOf(HasSubstr("cyclic transmission begins with the next run\n1 item sent\n"),
+                                    HasSubstr("SYNC\n")));
+}
+
+}  // namespace
