@@ -39,11 +39,11 @@ std::uint32_t Generator::Activity() const {
 
 HRESULT Generator::StartMeasurement(NSdk::IRuntime& runtime) {
   ReleaseTimers();
-  const HRESULT output = runtime.GetCanOutput(mNumbers.channel, mOutput.Receive());
-  if (FAILED(output)) return output;
-  for (auto* timer : {&mSequenceTimer, &mSdoPollTimer, &mPauseTimer}) {
-    const HRESULT result = runtime.CreateTimer(&mSink, timer->Receive());
-    if (FAILED(result)) return result;
+  const HRESULT result = TakeFromHost(runtime);
+  if (FAILED(result)) {
+    ReleaseTimers();
+    mOutput.Reset();
+    return result;
   }
   mRuntime = &runtime;
   mSdo.SetOutput(mOutput.Get());
@@ -51,6 +51,17 @@ HRESULT Generator::StartMeasurement(NSdk::IRuntime& runtime) {
   mSequenceTimer->Start(mNumbers.serviceDelay, /*periodic=*/1);
   mWindow->EnableControl(kControlExecute, true);
   mWindow->EnableControl(kControlStart, true);
+  return S_OK;
+}
+
+// A host that succeeds and hands out nothing has failed all the same.
+HRESULT Generator::TakeFromHost(NSdk::IRuntime& runtime) {
+  const HRESULT output = runtime.GetCanOutput(mNumbers.channel, mOutput.Receive());
+  if (FAILED(output) || !mOutput) return FAILED(output) ? output : E_FAIL;
+  for (auto* timer : {&mSequenceTimer, &mSdoPollTimer, &mPauseTimer}) {
+    const HRESULT result = runtime.CreateTimer(&mSink, timer->Receive());
+    if (FAILED(result) || !*timer) return FAILED(result) ? result : E_FAIL;
+  }
   return S_OK;
 }
 

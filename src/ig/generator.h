@@ -95,6 +95,7 @@ class Generator {
   void CyclicExpiry(NSdk::ITimer* timer);
   void SequenceItemFailed(const ItemPlace& place);
   void CyclicItemFailed(const ItemPlace& place);
+  HRESULT TakeFromHost(NSdk::IRuntime& runtime);
   void ReleaseTimers();
 
   // Sending

@@ -99,7 +99,7 @@ HRESULT ZCANopenScanner::StartMeasurement(NSdk::IRuntime* runtime) {
     SetDelegate(this);
     if (mModel) mModel->Clear();
     HRESULT result = runtime->CreateTimer(this, mTimer.Receive());
-    if (SUCCEEDED(result)) result = mTimer->Start(kTick_ms, /*periodic=*/1);
+    if (SUCCEEDED(result)) result = mTimer ? mTimer->Start(kTick_ms, /*periodic=*/1) : E_FAIL;
     if (FAILED(result)) EndMeasurement();
     return result;
   });
