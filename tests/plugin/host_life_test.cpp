@@ -301,6 +301,14 @@ TEST(HostLife, LanguageAndVersion) {
   EXPECT_EQ(version->GetReleaseNotes(none.Out()), E_NOTIMPL);
 }
 
+TEST(HostLife, SpeaksGermanByTheLibraryBesideTheModule) {
+  Host host(NSdk::kHostHalvard, 1, 7);
+  EXPECT_TRUE(host.dialogs->messages.empty());
+  NRuntime::ReceivedText caption;
+  ASSERT_EQ(host.application->Commands().FindCommand(L"Insert.CANopenScanner")->GetCaption(caption.Out()), S_OK);
+  EXPECT_EQ(caption.Text(), L"CANopen-Scanner einf\u00FCgen");
+}
+
 TEST(HostLife, AHundredLivesLeaveNothingBehind) {
   for (int life = 0; life < 100; ++life) {
     const NRuntime::SharedLibrary library(OSTREL_MODULE);
