@@ -305,7 +305,8 @@ TEST(HostLife, SpeaksGermanByTheLibraryBesideTheModule) {
   Host host(NSdk::kHostHalvard, 1, 7);
   EXPECT_TRUE(host.dialogs->messages.empty());
   NRuntime::ReceivedText caption;
-  ASSERT_EQ(host.application->Commands().FindCommand(L"Insert.CANopenScanner")->GetCaption(caption.Out()), S_OK);
+  ASSERT_EQ(host.application->Commands().FindCommand(L"Insert.CANopenScanner")->GetCaption(caption.Out()),
+            S_OK);
   EXPECT_EQ(caption.Text(), L"CANopen-Scanner einf\u00FCgen");
 }
 

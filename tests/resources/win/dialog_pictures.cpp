@@ -61,6 +61,7 @@ int main(int count, char** arguments) {
     std::fputs("usage: dialog_pictures LIBRARY FOLDER\n", stderr);
     return 2;
   }
+  SetProcessDPIAware();  // dialogs as large as the display asks for
   NCom::SetModuleHandle(GetModuleHandleW(nullptr));
   const HMODULE library = LoadLibraryExA(arguments[1], nullptr, LOAD_LIBRARY_AS_DATAFILE);
   if (!library) {

@@ -27,6 +27,7 @@ Language LanguageIn(HMODULE library, const char* name) {
 /// The module's own language first.
 const std::vector<Language>& AllLanguages() {
   static const std::vector<Language> languages = [] {
+    SetProcessDPIAware();  // dialogs as large as the display asks for
     NCom::SetModuleHandle(GetModuleHandleW(nullptr));
     std::vector<Language> made{LanguageIn(GetModuleHandleW(nullptr), "own")};
     for (const char* file : {OSTREL_LANGUAGE_LIBRARIES}) {
