@@ -21,6 +21,8 @@ struct IAction : IUnknown {
   virtual HRESULT STDMETHODCALLTYPE Execute(IUnknown* context) = 0;
   virtual HRESULT STDMETHODCALLTYPE GetCaption(wchar_t** caption) = 0;
   virtual HRESULT STDMETHODCALLTYPE GetToolTip(wchar_t** toolTip) = 0;
+  /// Numbers in the resources of the module on Windows, 0: none. A bitmap of 16 x 16 pixels in which white is
+  /// transparent; icons of 16 to 32 and of 32 to 64 pixels.
   virtual HRESULT STDMETHODCALLTYPE GetImages(std::uint32_t* bitmap, std::uint32_t* smallIcon,
                                               std::uint32_t* largeIcon) = 0;
   /// A CommandState.
