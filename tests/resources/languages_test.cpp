@@ -49,7 +49,8 @@ TEST_P(Languages, HaveEveryTextWithItsPlaceholders) {
 TEST(German, IsWritten) {
   void* library = NPlugin::LoadLanguageLibrary(OSTREL_GERMAN_LIBRARY);
   ASSERT_TRUE(library);
-  EXPECT_EQ(NResources::FindLanguageText(library, IDS_SCAN_COL_PRIORITY), L"Priorität");
+  EXPECT_EQ(NResources::FindLanguageText(library, IDS_SCAN_EMCY_DEVICE_PROFILE),
+            L"EMCY: geräteprofilspezifisch");
   EXPECT_EQ(NResources::FindLanguageText(library, IDS_TOOL_QUILLON_FAILED),
             L"Quillon kann nicht gestartet werden (Pfad: \"%s\")");
   NPlugin::FreeLanguageLibrary(library);
