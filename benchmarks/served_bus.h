@@ -9,6 +9,7 @@
 
 #include "host/buses/bus_factory.h"
 #include "host/buses/socketcand_server.h"
+#include "host/runtime/asio_loop.h"
 
 namespace NBenchmarks {
 

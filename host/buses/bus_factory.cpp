@@ -163,9 +163,9 @@ BusFactory::Adapter BusFactory::MakeSocketCan(std::string_view word, const BusNa
   if (name.address.empty() || name.address.size() > kLongestLinuxInterface) {
     Refuse(word, "the name of an interface is wanted, up to 15 characters: socketcan:can0");
   }
-  if (!mAsioLoop) Refuse(word, "there are no interfaces here");
+  if (!mIoLoop) Refuse(word, "there are no interfaces here");
   KeepRealTime(word);
-  return NBuses::MakeSocketCan(*mAsioLoop, name.address);
+  return NBuses::MakeSocketCan(*mIoLoop, name.address);
 }
 
 BusFactory::Adapter BusFactory::MakeSocketcand(std::string_view word, const BusName& name) {
@@ -177,9 +177,9 @@ BusFactory::Adapter BusFactory::MakeSocketcand(std::string_view word, const BusN
       interfaceName.size() > kLongestInterface) {
     Refuse(word, "an address is written HOST[:PORT]/INTERFACE, 127.0.0.1:29536/can1 for example");
   }
-  if (!mAsioLoop) Refuse(word, "there is no network here");
+  if (!mIoLoop) Refuse(word, "there is no network here");
   KeepRealTime(word);
-  return std::make_unique<SocketcandClient>(*mAsioLoop, *server, interfaceName);
+  return std::make_unique<SocketcandClient>(*mIoLoop, *server, interfaceName);
 }
 
 void BusFactory::SkipWaits(std::string_view word) {
@@ -187,7 +187,7 @@ void BusFactory::SkipWaits(std::string_view word) {
     Refuse(word, "speed=max sets the clock, but \"" + mRealTimeBus + "\" goes by the real one");
   }
   if (mFastReplay.empty()) mFastReplay = word;
-  if (mAsioLoop) mAsioLoop->SkipWaits();
+  if (mIoLoop) mIoLoop->SkipWaits();
 }
 
 void BusFactory::KeepRealTime(std::string_view word) {

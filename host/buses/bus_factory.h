@@ -7,7 +7,7 @@
 #include "host/buses/bus_name.h"
 #include "host/buses/replay.h"
 #include "host/buses/virtual_bus.h"
-#include "host/runtime/asio_loop.h"
+#include "host/runtime/io_loop.h"
 #include "host/runtime/can_adapter.h"
 
 namespace NBuses {
@@ -17,7 +17,7 @@ class BusFactory {
  public:
   /// For buses inside this program and logs alone.
   explicit BusFactory(NRuntime::Loop& loop) : mVirtualBuses(loop), mReplays(loop) {}
-  explicit BusFactory(NRuntime::AsioLoop& loop) : mAsioLoop(&loop), mVirtualBuses(loop), mReplays(loop) {}
+  explicit BusFactory(NRuntime::IoLoop& loop) : mIoLoop(&loop), mVirtualBuses(loop), mReplays(loop) {}
 
   /// A closed adapter. Throws std::runtime_error, one line that names the word: malformed, an unknown kind
   /// (the known ones are listed), an option or address that the kind does not have. A log that is replayed
@@ -39,7 +39,7 @@ class BusFactory {
 
   friend std::string DescribeBusKinds();
 
-  NRuntime::AsioLoop* mAsioLoop = nullptr;
+  NRuntime::IoLoop* mIoLoop = nullptr;
   VirtualBuses mVirtualBuses;
   Replays mReplays;
   std::string mRealTimeBus;  // the first one made that goes by the real clock

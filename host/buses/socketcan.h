@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "host/runtime/asio_loop.h"
+#include "host/runtime/io_loop.h"
 #include "host/runtime/can_adapter.h"
 
 namespace NBuses {
@@ -16,7 +16,7 @@ bool HasSocketCan();
 ///
 /// A frame counts as sent when the interface says that it was on the bus. What the interface cannot take at
 /// once waits in a queue. An interface that goes down, or away, is used again when it comes back.
-std::unique_ptr<NRuntime::CanAdapter> MakeSocketCan(NRuntime::AsioLoop& loop,
+std::unique_ptr<NRuntime::CanAdapter> MakeSocketCan(NRuntime::IoLoop& loop,
                                                     const std::string& interfaceName);
 
 }  // namespace NBuses

@@ -29,7 +29,7 @@ std::string Frames(std::uint64_t count) {
 // What waits for the socket holds it too, and finds it closed, not gone.
 class Interface : public std::enable_shared_from_this<Interface> {
  public:
-  Interface(NRuntime::AsioLoop& loop, std::string name, NRuntime::CanAdapterEvents& events)
+  Interface(NRuntime::IoLoop& loop, std::string name, NRuntime::CanAdapterEvents& events)
       : mLoop(loop),
         mName(std::move(name)),
         mEvents(&events),
@@ -49,7 +49,7 @@ class Interface : public std::enable_shared_from_this<Interface> {
   void Lose(int error);
   void LookForReturn();
 
-  NRuntime::AsioLoop& mLoop;
+  NRuntime::IoLoop& mLoop;
   const std::string mName;
   NRuntime::CanAdapterEvents* mEvents;  // null: closed
   std::unique_ptr<CanSocket> mSocket;   // null: the interface is down
@@ -65,7 +65,7 @@ class Interface : public std::enable_shared_from_this<Interface> {
 
 void Interface::Open() {
   mSocket = std::make_unique<CanSocket>(mName);
-  mDescriptor.emplace(mLoop.Context(), mSocket->Handle());
+  mDescriptor.emplace(mLoop.Executor(), mSocket->Handle());
   ++mOpening;
   Wait();
 }
@@ -191,7 +191,7 @@ void Interface::LookForReturn() {
 
 class SocketCan final : public NRuntime::CanAdapter {
  public:
-  SocketCan(NRuntime::AsioLoop& loop, std::string interfaceName)
+  SocketCan(NRuntime::IoLoop& loop, std::string interfaceName)
       : mLoop(loop), mName(std::move(interfaceName)) {}
   ~SocketCan() override { Close(); }
 
@@ -213,7 +213,7 @@ class SocketCan final : public NRuntime::CanAdapter {
   }
 
  private:
-  NRuntime::AsioLoop& mLoop;
+  NRuntime::IoLoop& mLoop;
   const std::string mName;
   std::shared_ptr<Interface> mInterface;  // null: closed
 };
@@ -222,7 +222,7 @@ class SocketCan final : public NRuntime::CanAdapter {
 
 bool HasSocketCan() { return true; }
 
-std::unique_ptr<NRuntime::CanAdapter> MakeSocketCan(NRuntime::AsioLoop& loop,
+std::unique_ptr<NRuntime::CanAdapter> MakeSocketCan(NRuntime::IoLoop& loop,
                                                     const std::string& interfaceName) {
   return std::make_unique<SocketCan>(loop, interfaceName);
 }

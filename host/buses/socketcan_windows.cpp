@@ -6,7 +6,7 @@ namespace NBuses {
 
 bool HasSocketCan() { return false; }
 
-std::unique_ptr<NRuntime::CanAdapter> MakeSocketCan(NRuntime::AsioLoop&, const std::string&) {
+std::unique_ptr<NRuntime::CanAdapter> MakeSocketCan(NRuntime::IoLoop&, const std::string&) {
   throw std::logic_error("this system has no SocketCAN");
 }
 

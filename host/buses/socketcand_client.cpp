@@ -61,13 +61,13 @@ std::optional<CanError> ReadError(const std::vector<std::string_view>& words) {
 
 class SocketcandClient::Connection : public std::enable_shared_from_this<Connection> {
  public:
-  Connection(NRuntime::AsioLoop& loop, HostAndPort server, std::string interfaceName,
+  Connection(NRuntime::IoLoop& loop, HostAndPort server, std::string interfaceName,
              NRuntime::CanAdapterEvents& events)
       : mLoop(loop),
         mServer(std::move(server)),
         mInterface(std::move(interfaceName)),
         mEvents(&events),
-        mSocket(loop.Context()),
+        mSocket(loop.Executor()),
         mAlarm(loop.MakeAlarm([this] { OnAlarm(); })) {}
 
   void ConnectAndWait();
@@ -104,7 +104,7 @@ class SocketcandClient::Connection : public std::enable_shared_from_this<Connect
   void OnAlarm();
   void GiveUp(const std::string& why);
 
-  NRuntime::AsioLoop& mLoop;
+  NRuntime::IoLoop& mLoop;
   const HostAndPort mServer;
   const std::string mInterface;
   NRuntime::CanAdapterEvents* mEvents;  // null: closed
@@ -132,7 +132,7 @@ class SocketcandClient::Connection : public std::enable_shared_from_this<Connect
 void SocketcandClient::Connection::ConnectAndWait() {
   const auto end = std::chrono::steady_clock::now() + kTimeToConnect;
   std::error_code error;
-  tcp::resolver resolver(mLoop.Context());
+  tcp::resolver resolver(mLoop.Executor());
   mEndpoints = resolver.resolve(mServer.host, std::to_string(mServer.port), error);
   if (error) Refuse("the name cannot be resolved: " + error.message());
   ConnectWithin(end);
@@ -397,7 +397,7 @@ void SocketcandClient::Connection::Reconnect() {
       });
 }
 
-SocketcandClient::SocketcandClient(NRuntime::AsioLoop& loop, HostAndPort server, std::string interfaceName)
+SocketcandClient::SocketcandClient(NRuntime::IoLoop& loop, HostAndPort server, std::string interfaceName)
     : mLoop(loop), mServer(std::move(server)), mInterface(std::move(interfaceName)) {}
 
 SocketcandClient::~SocketcandClient() { Close(); }

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "host/buses/socketcand_text.h"
-#include "host/runtime/asio_loop.h"
+#include "host/runtime/io_loop.h"
 #include "host/runtime/can_adapter.h"
 
 namespace NBuses {
@@ -16,7 +16,7 @@ namespace NBuses {
 /// been handed to the connection: the protocol has no confirmation. Nor has it remote frames.
 class SocketcandClient final : public NRuntime::CanAdapter {
  public:
-  SocketcandClient(NRuntime::AsioLoop& loop, HostAndPort server, std::string interfaceName);
+  SocketcandClient(NRuntime::IoLoop& loop, HostAndPort server, std::string interfaceName);
   ~SocketcandClient() override;
 
   void Open(NRuntime::CanAdapterEvents& events) override;
@@ -26,7 +26,7 @@ class SocketcandClient final : public NRuntime::CanAdapter {
  private:
   class Connection;
 
-  NRuntime::AsioLoop& mLoop;
+  NRuntime::IoLoop& mLoop;
   const HostAndPort mServer;
   const std::string mInterface;
   std::shared_ptr<Connection> mConnection;  // shared with what waits for the network; null: closed

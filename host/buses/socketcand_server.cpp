@@ -74,11 +74,11 @@ class SocketcandServer::Bus final : public NRuntime::CanAdapterEvents {
   std::deque<OnItsWay> mOnTheirWay;
 };
 
-SocketcandServer::SocketcandServer(NRuntime::AsioLoop& loop, std::vector<ServedBus> buses,
+SocketcandServer::SocketcandServer(NRuntime::IoLoop& loop, std::vector<ServedBus> buses,
                                    SocketcandServerEvents events)
     : mLoop(loop),
       mEvents(std::move(events)),
-      mAcceptor(loop.Context()),
+      mAcceptor(loop.Executor()),
       mAcceptAgain(loop.MakeAlarm([this] { Accept(); })) {
   for (ServedBus& bus : buses) mBuses.push_back(std::make_unique<Bus>(*this, mBuses.size(), std::move(bus)));
 }
@@ -98,7 +98,7 @@ void SocketcandServer::Start(const HostAndPort& address) {
 
 void SocketcandServer::Listen(const HostAndPort& address) {
   std::error_code error;
-  tcp::resolver resolver(mLoop.Context());
+  tcp::resolver resolver(mLoop.Executor());
   const auto found =
       resolver.resolve(address.host, std::to_string(address.port), tcp::resolver::passive, error);
   if (!error) {

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "host/buses/socketcand_session.h"
-#include "host/runtime/asio_loop.h"
+#include "host/runtime/io_loop.h"
 #include "host/runtime/can_adapter.h"
 
 namespace NBuses {
@@ -30,7 +30,7 @@ struct SocketcandServerEvents {
 /// its own frames. One that does not keep up is cut off; the buses never wait for it.
 class SocketcandServer final : private SocketcandSessions {
  public:
-  SocketcandServer(NRuntime::AsioLoop& loop, std::vector<ServedBus> buses, SocketcandServerEvents events);
+  SocketcandServer(NRuntime::IoLoop& loop, std::vector<ServedBus> buses, SocketcandServerEvents events);
   ~SocketcandServer() override;
   SocketcandServer(const SocketcandServer&) = delete;
   SocketcandServer& operator=(const SocketcandServer&) = delete;
@@ -55,7 +55,7 @@ class SocketcandServer final : private SocketcandSessions {
   void OnFrame(SocketcandSession& session, const NSdk::CanFrame& frame) override;
   void OnGone(SocketcandSession& session, const std::string& fault) override;
 
-  NRuntime::AsioLoop& mLoop;
+  NRuntime::IoLoop& mLoop;
   SocketcandServerEvents mEvents;
   std::vector<std::unique_ptr<Bus>> mBuses;
   std::vector<std::shared_ptr<SocketcandSession>> mSessions;

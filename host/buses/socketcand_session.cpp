@@ -22,7 +22,7 @@ std::string PeerName(const asio::ip::tcp::socket& socket) {
 
 }  // namespace
 
-SocketcandSession::SocketcandSession(NRuntime::AsioLoop& loop, asio::ip::tcp::socket socket,
+SocketcandSession::SocketcandSession(NRuntime::IoLoop& loop, asio::ip::tcp::socket socket,
                                      SocketcandSessions& server)
     : mLoop(loop),
       mSocket(std::move(socket)),

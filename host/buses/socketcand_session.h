@@ -8,7 +8,7 @@
 #include <string>
 
 #include "host/buses/socketcand_text.h"
-#include "host/runtime/asio_loop.h"
+#include "host/runtime/io_loop.h"
 
 namespace NBuses {
 
@@ -31,7 +31,7 @@ class SocketcandSessions {
 /// it piles up to a limit, and then it is cut off.
 class SocketcandSession : public std::enable_shared_from_this<SocketcandSession> {
  public:
-  SocketcandSession(NRuntime::AsioLoop& loop, asio::ip::tcp::socket socket, SocketcandSessions& server);
+  SocketcandSession(NRuntime::IoLoop& loop, asio::ip::tcp::socket socket, SocketcandSessions& server);
 
   void Start();
   /// Ends it with a message to the client; OnGone is not called.
@@ -61,7 +61,7 @@ class SocketcandSession : public std::enable_shared_from_this<SocketcandSession>
   void End();
   void OnAlarm();
 
-  NRuntime::AsioLoop& mLoop;
+  NRuntime::IoLoop& mLoop;
   asio::ip::tcp::socket mSocket;
   SocketcandSessions* mServer;  // null: it is not told any more
   const std::string mName;

@@ -1,13 +1,13 @@
 #include <asio/steady_timer.hpp>
 
-#include "host/runtime/asio_loop.h"
+#include "host/runtime/io_loop.h"
 
 namespace NRuntime {
 namespace {
 
 class TimerAlarm final : public Alarm {
  public:
-  TimerAlarm(AsioLoop& loop, Task task) : mState(std::make_shared<State>(loop, std::move(task))) {}
+  TimerAlarm(IoLoop& loop, Task task) : mState(std::make_shared<State>(loop, std::move(task))) {}
   // NOLINTNEXTLINE(bugprone-exception-escape): to cancel a timer does not fail
   ~TimerAlarm() override { Cancel(); }
 
@@ -23,10 +23,10 @@ class TimerAlarm final : public Alarm {
 
  private:
   struct State {
-    State(AsioLoop& ownLoop, Task ownTask)
-        : loop(ownLoop), task(std::move(ownTask)), timer(ownLoop.Context()) {}
+    State(IoLoop& ownLoop, Task ownTask)
+        : loop(ownLoop), task(std::move(ownTask)), timer(ownLoop.Executor()) {}
 
-    AsioLoop& loop;
+    IoLoop& loop;
     Task task;
     asio::steady_timer timer;
     Time deadline{};
@@ -49,7 +49,7 @@ class TimerAlarm final : public Alarm {
 
 }  // namespace
 
-std::unique_ptr<Alarm> MakePreciseAlarm(AsioLoop& loop, Task task) {
+std::unique_ptr<Alarm> MakePreciseAlarm(IoLoop& loop, Task task) {
   return std::make_unique<TimerAlarm>(loop, std::move(task));
 }
 

@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <system_error>
 
-#include "host/runtime/asio_loop.h"
+#include "host/runtime/io_loop.h"
 
 #ifndef CREATE_WAITABLE_TIMER_HIGH_RESOLUTION
 #define CREATE_WAITABLE_TIMER_HIGH_RESOLUTION 0x00000002
@@ -34,7 +34,7 @@ HANDLE MakeTimerHandle() {
 // One wait stays outstanding as long as the alarm is set; setting it anew only moves the due time.
 class WaitableAlarm final : public Alarm {
  public:
-  WaitableAlarm(AsioLoop& loop, Task task) : mState(std::make_shared<State>(loop, std::move(task))) {}
+  WaitableAlarm(IoLoop& loop, Task task) : mState(std::make_shared<State>(loop, std::move(task))) {}
   ~WaitableAlarm() override {
     Cancel();
     std::error_code ignored;
@@ -55,10 +55,10 @@ class WaitableAlarm final : public Alarm {
 
  private:
   struct State {
-    State(AsioLoop& ownLoop, Task ownTask)
-        : loop(ownLoop), task(std::move(ownTask)), timer(ownLoop.Context(), MakeTimerHandle()) {}
+    State(IoLoop& ownLoop, Task ownTask)
+        : loop(ownLoop), task(std::move(ownTask)), timer(ownLoop.Executor(), MakeTimerHandle()) {}
 
-    AsioLoop& loop;
+    IoLoop& loop;
     Task task;
     asio::windows::object_handle timer;
     Time deadline{};
@@ -94,7 +94,7 @@ class WaitableAlarm final : public Alarm {
 
 }  // namespace
 
-std::unique_ptr<Alarm> MakePreciseAlarm(AsioLoop& loop, Task task) {
+std::unique_ptr<Alarm> MakePreciseAlarm(IoLoop& loop, Task task) {
   return std::make_unique<WaitableAlarm>(loop, std::move(task));
 }
 

@@ -4,6 +4,7 @@
 #include <functional>
 
 #include "host/buses/bus_factory.h"
+#include "host/runtime/asio_loop.h"
 #include "host/runtime/measurement.h"
 #include "host/runtime/text.h"
 #include "tests/buses/listener.h"

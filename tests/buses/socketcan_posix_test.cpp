@@ -13,6 +13,7 @@
 #include <functional>
 
 #include "host/buses/bus_factory.h"
+#include "host/runtime/asio_loop.h"
 #include "tests/buses/listener.h"
 
 namespace {

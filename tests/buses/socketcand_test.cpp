@@ -12,6 +12,7 @@
 
 #include "host/buses/bus_factory.h"
 #include "host/buses/socketcand_server.h"
+#include "host/runtime/asio_loop.h"
 #include "tests/buses/listener.h"
 
 namespace {
