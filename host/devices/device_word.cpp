@@ -107,6 +107,17 @@ DeviceWord ParseDeviceWord(std::string_view word) {
   return device;
 }
 
+std::string DeviceWordText(const DeviceWord& device) {
+  std::string text = std::to_string(device.nodeId);
+  if (!device.description.empty()) text += ":" + device.description;
+  for (const FaultOption& option : FaultOptions()) {
+    const std::uint32_t value = option.get(device.faults);
+    if (value == option.get(Misbehaviour())) continue;
+    text += "," + std::string(option.name) + (option.IsFlag() ? "" : "=" + std::to_string(value));
+  }
+  return text;
+}
+
 std::string DescribeDeviceOptions() {
   std::string text;
   for (const FaultOption& option : FaultOptions()) {

@@ -21,6 +21,9 @@ struct DeviceWord {
 /// at.
 DeviceWord ParseDeviceWord(std::string_view word);
 
+/// The word for a device, which is parsed into the same.
+std::string DeviceWordText(const DeviceWord& device);
+
 /// The options for a help text, one per line.
 std::string DescribeDeviceOptions();
 

@@ -3,15 +3,34 @@
 namespace NRuntime {
 
 Application::Application(const ApplicationSettings& settings, ConfigurationData configuration)
-    : mSettings(settings) {
-  const auto configured = Make<Configuration>(std::move(configuration));
+    : mSettings(settings), mConfiguration(Make<Configuration>(std::move(configuration))) {
   SetService(NSdk::IidOf<NSdk::IConfigurationService>(),
-             static_cast<NSdk::IConfigurationService*>(configured.Get()));
+             static_cast<NSdk::IConfigurationService*>(mConfiguration.Get()));
   if (settings.variant == NSdk::kHostHalvard) {
-    SetService(NSdk::IidOf<NSdk::ISimulationSetup>(), static_cast<NSdk::ISimulationSetup*>(configured.Get()));
+    SetService(NSdk::IidOf<NSdk::ISimulationSetup>(),
+               static_cast<NSdk::ISimulationSetup*>(mConfiguration.Get()));
   }
   SetService(NSdk::IidOf<NSdk::ICommandRegistry>(), static_cast<NSdk::ICommandRegistry*>(mCommands.Get()));
   SetService(NSdk::IidOf<NSdk::IBlockTypeRegistry>(), mBlockTypes.Get());
+}
+
+void Application::SetNumberBase(std::uint32_t base) {
+  mSettings.numberBase = base;
+  mSettingEvents->Tell(&NSdk::ISettingEvents::OnSettingsChanged);
+}
+
+void Application::SetConfiguration(ConfigurationData configuration) {
+  mConfiguration->Replace(std::move(configuration));
+  mDatabaseEvents->Tell(&NSdk::IDatabaseSetupEvents::OnDatabaseSetupChanged);
+  TellChanged();
+}
+
+void Application::TellOpened() const {
+  mApplicationEvents->Tell(&NSdk::IApplicationEvents::OnConfigurationOpened);
+}
+
+void Application::TellChanged() const {
+  mApplicationEvents->Tell(&NSdk::IApplicationEvents::OnConfigurationChanged);
 }
 
 HRESULT Application::GetLanguage(std::uint32_t* language) { return HandOut(mSettings.language, language); }

@@ -29,11 +29,20 @@ class Application final : public Implements<NSdk::IHostApplication> {
     SetService(NSdk::IidOf<Service>(), service.Get());
   }
 
+  /// Tells the sinks of ISettingEvents.
+  void SetNumberBase(std::uint32_t base);
+  /// Tells the sinks of IApplicationEvents and IDatabaseSetupEvents.
+  void SetConfiguration(ConfigurationData configuration);
+  /// A configuration is there to the last block.
+  void TellOpened() const;
+  /// Blocks have come, gone or changed.
+  void TellChanged() const;
+
   /// How the application learns whether a measurement runs.
   void SetMeasuringQuery(std::function<bool()> isMeasuring) { mIsMeasuring = std::move(isMeasuring); }
 
   CommandRegistry& Commands() const { return *mCommands; }
-  BlockTypeRegistry& BlockTypes() { return *mBlockTypes; }
+  BlockTypeRegistry& BlockTypes() const { return *mBlockTypes; }
   const EventSource<NSdk::IApplicationEvents>& ApplicationEvents() const { return *mApplicationEvents; }
   const EventSource<NSdk::ISettingEvents>& SettingEvents() const { return *mSettingEvents; }
 
@@ -55,6 +64,7 @@ class Application final : public Implements<NSdk::IHostApplication> {
   ApplicationSettings mSettings;
   std::function<bool()> mIsMeasuring;
   std::vector<Service> mServices;
+  ComPtr<Configuration> mConfiguration;
   ComPtr<CommandRegistry> mCommands = Make<CommandRegistry>();
   ComPtr<BlockTypeRegistry> mBlockTypes = Make<BlockTypeRegistry>();
   ComPtr<EventSource<NSdk::IApplicationEvents>> mApplicationEvents =

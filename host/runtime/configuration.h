@@ -38,6 +38,7 @@ class Configuration final : public Implements<NSdk::IConfigurationService, NSdk:
   HRESULT STDMETHODCALLTYPE GetNetwork(std::uint32_t position, wchar_t** name,
                                        std::uint32_t* channel) override;
 
+  void Replace(ConfigurationData data) { mData = std::move(data); }
   const ConfigurationData& Data() const { return mData; }
 
  private:

@@ -66,6 +66,7 @@ struct Measurement::Run {
   ComPtr<CanMessage> message;         // used again for every frame that no block has kept
   std::vector<SeenFrame> waiting;     // seen, not yet delivered
   std::vector<SeenFrame> delivering;  // kept for its memory
+  std::size_t delivered = 0;          // of them
   bool deliveryPosted = false;
 };
 
@@ -216,34 +217,41 @@ void Measurement::DeliverSoon() {
   });
 }
 
-// Frames that blocks send meanwhile wait for the next delivery.
+// Frames that blocks send meanwhile wait for the next delivery. A block may show a message box, in which the
+// loop goes on: frames that come there are delivered behind those that are waiting here, and this delivery
+// then finds its own delivered.
 void Measurement::Deliver() {
   const std::shared_ptr<Run> run = mRun;
-  std::vector<SeenFrame> frames = std::move(run->delivering);
-  frames.swap(run->waiting);
-  for (const SeenFrame& seen : frames) {
+  auto& frames = run->delivering;
+  if (frames.empty()) {
+    frames.swap(run->waiting);
+  } else {
+    frames.insert(frames.end(), run->waiting.begin(), run->waiting.end());
+    run->waiting.clear();
+  }
+  while (run->delivered < frames.size()) {
+    const SeenFrame seen = frames[run->delivered++];
     mObserver.OnFrame(seen);
-    DeliverToBlocks(seen);
+    DeliverToBlocks(*run, seen);
   }
   frames.clear();
-  run->delivering = std::move(frames);
+  run->delivered = 0;
 }
 
-void Measurement::DeliverToBlocks(const SeenFrame& seen) {
-  if (!mRun || mRun->blocks.empty()) return;
-  const std::shared_ptr<Run> run = mRun;
-  if (!run->message || !run->message->IsFree()) {
-    run->message = Make<CanMessage>(seen);
+void Measurement::DeliverToBlocks(Run& run, const SeenFrame& seen) {
+  if (run.blocks.empty()) return;
+  if (!run.message || !run.message->IsFree()) {
+    run.message = Make<CanMessage>(seen);
   } else {
-    run->message->Refill(seen);
+    run.message->Refill(seen);
   }
-  const ComPtr<CanMessage> message = std::move(run->message);
+  const ComPtr<CanMessage> message = std::move(run.message);
   // By position: a block may stop the measurement from inside the call.
-  for (std::size_t position = 0; position < run->blocks.size(); ++position) {
-    const auto events = run->blocks[position].canEvents;
+  for (std::size_t position = 0; position < run.blocks.size(); ++position) {
+    const auto events = run.blocks[position].canEvents;
     if (events) events->OnCanMessage(message.Get());
   }
-  run->message = message;
+  if (run.owner) run.message = message;
 }
 
 }  // namespace NRuntime

@@ -71,7 +71,7 @@ class Measurement {
   void EndWhenAllHaveEnded();
   void DeliverSoon();
   void Deliver();
-  void DeliverToBlocks(const SeenFrame& seen);
+  void DeliverToBlocks(Run& run, const SeenFrame& seen);
 
   Loop& mLoop;
   MeasurementObserver& mObserver;

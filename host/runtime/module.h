@@ -29,6 +29,9 @@ class Module {
   /// Creates the plug-in object and binds it to the host: comes before the first block.
   void Initialise(NSdk::IHostApplication& application);
 
+  /// Null until it is initialised.
+  NSdk::IPlugIn* PlugIn() const { return mPlugIn.Get(); }
+
  private:
   template <class Function>
   Function Export(const char* name) const;

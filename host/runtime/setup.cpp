@@ -13,9 +13,11 @@ HRESULT Setup::AddBlock(IUnknown* block) {
   if (FAILED(mApplication->IsMeasuring(&measuring)) || measuring != 0) return E_FAIL;
   const auto plugInBlock = Query<NSdk::IPlugInBlock>(block);
   if (!plugInBlock) return E_NOINTERFACE;
-  const auto site = Make<BlockSite>(*mApplication);
+  const auto site = Make<BlockSite>(*mApplication, mChanged);
   const HRESULT result = plugInBlock->Attach(site.Get());
-  if (SUCCEEDED(result)) mBlocks.push_back(Query<IUnknown>(block));
+  if (FAILED(result)) return result;
+  mBlocks.push_back(Query<IUnknown>(block));
+  TellChanged();
   return result;
 }
 
@@ -28,7 +30,12 @@ HRESULT Setup::RemoveBlock(IUnknown* block) {
   if (found == mBlocks.end()) return E_INVALIDARG;
   mBlocks.erase(found);
   Query<NSdk::IPlugInBlock>(identity)->Detach();
+  TellChanged();
   return S_OK;
+}
+
+void Setup::TellChanged() const {
+  if (mChanged) mChanged();
 }
 
 void Setup::Clear() {

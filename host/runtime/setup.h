@@ -1,6 +1,7 @@
 #pragma once
 // A setup of the host: the blocks that the user has inserted, and how commands of a plug-in reach it.
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -14,7 +15,9 @@ namespace NRuntime {
 /// the application; blocks do not survive it: Clear() comes before the module is let go.
 class Setup final : public Implements<NSdk::ISetup> {
  public:
-  explicit Setup(Application& application) : mApplication(&application) {}
+  /// `changed` is called after a block has come, gone or changed; it may be empty.
+  explicit Setup(Application& application, std::function<void()> changed = {})
+      : mApplication(&application), mChanged(std::move(changed)) {}
 
   /// E_FAIL: a measurement runs; E_NOINTERFACE: it is no block; what the block answers to its place.
   HRESULT STDMETHODCALLTYPE AddBlock(IUnknown* block) override;
@@ -26,7 +29,10 @@ class Setup final : public Implements<NSdk::ISetup> {
   void Clear();
 
  private:
+  void TellChanged() const;
+
   ComPtr<Application> mApplication;
+  std::function<void()> mChanged;
   std::vector<ComPtr<IUnknown>> mBlocks;
 };
 
