@@ -1,0 +1,112 @@
+#pragma once
+
+#include <map>
+#include <memory>
+#include <optional>
+
+#include "host/workbench/win/block_window.h"
+#include "host/workbench/win/messages_window.h"
+#include "host/workbench/win/plug_in_commands.h"
+#include "host/workbench/win/recent_files.h"
+#include "host/workbench/win/setup_window.h"
+#include "host/workbench/win/tool_bar.h"
+#include "host/workbench/win/trace_window.h"
+#include "host/workbench/workbench.h"
+
+namespace NWorkbench {
+
+struct StartOptions {
+  std::filesystem::path module;
+  std::filesystem::path folder;         ///< that the program lies in
+  std::filesystem::path configuration;  ///< empty: a new one
+  bool start = false;                   ///< the measurement, at once
+};
+
+/// The main window: menus, toolbar, status bar, and the windows inside.
+class MainWindow final : public Window, private WorkbenchEvents, private SetupCommands {
+ public:
+  explicit MainWindow(const StartOptions& options);
+  ~MainWindow() override;
+
+  /// Shows it and opens the configuration. What is wrong with it is told in a message box.
+  void Begin(int show);
+  bool Translate(MSG& message) override;
+
+ private:
+  // ---- what the workbench tells
+  void OnSetupChanged() override;
+  void OnBlockLeaving(IUnknown& block) override;
+  void OnMeasurementChanged() override;
+  void OnTrouble(const std::string& text) override;
+
+  // ---- window
+  LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+  LRESULT Default(UINT message, WPARAM wParam, LPARAM lParam) override {
+    return DefFrameProcW(Handle(), mClient, message, wParam, lParam);
+  }
+  LRESULT OnNotify(NMHDR& header);
+  void MakeInside();
+  void Arrange();
+  void RefreshLater();
+  void RefreshAll();
+  void ShowTitle();
+  void ShowStatus();
+  void ShowToolBar();
+  void BuildMenu();
+  void FillCommandMenus();
+  void ShowStates(HMENU menu) const;
+  void DropDown(int id);
+  ChildWindow* ActiveChild() const;
+
+  // ---- commands
+  bool OnCommand(int id);
+  bool OnFileCommand(int id);
+  bool OnOptionCommand(int id);
+  bool OnWindowCommand(int id);
+  bool OnBlockCommand(int id);
+  void PostCommand(int id) override { PostMessageW(Handle(), WM_COMMAND, static_cast<WPARAM>(id), 0); }
+  void ShowSetupMenu(POINT screen) override;
+  bool ConfirmStop();
+  bool ConfirmDiscard();
+  bool Save(bool askName);
+  void OpenAsked();
+  void Open(const std::filesystem::path& file);
+  void New();
+  void AfterOpening();
+  void StartMeasurement();
+  void ShowChannels();
+  void ChangeSettings(const std::function<void(NConfiguration::Document&)>& change);
+  void OpenBlock(std::size_t position, bool remembered);
+  void RememberWindows();
+  void Close();
+
+  StartOptions mOptions;
+  std::unique_ptr<Workbench> mWorkbench;
+  std::optional<PlugInCommands> mCommands;
+  RecentFiles mRecent;
+  HWND mClient = nullptr, mStatus = nullptr;
+  HACCEL mKeys = nullptr;
+  HMENU mInsertMenu = nullptr, mRecentMenu = nullptr;
+  std::vector<std::pair<std::wstring, HMENU>> mGroupMenus;
+  std::unique_ptr<ToolBar> mTools;
+  std::unique_ptr<SetupWindow> mSetup;
+  std::unique_ptr<TraceWindow> mTrace;
+  std::unique_ptr<MessagesWindow> mMessages;
+  std::map<const IUnknown*, std::unique_ptr<BlockWindow>> mBlocks;
+  bool mRefreshPosted = false;
+  bool mRemembersBlocks = true;
+  int mTicks = 0;
+};
+
+/// The main menu with the program's own commands; the module's are filled in later.
+struct MainMenu {
+  HMENU bar = nullptr, recent = nullptr, insert = nullptr, window = nullptr;
+  std::vector<std::pair<std::wstring, HMENU>> groups;
+};
+MainMenu MakeMainMenu(const Workbench& workbench, const RecentFiles& recent);
+HACCEL MakeKeys();
+
+/// Asks for a file. Empty: cancelled.
+std::filesystem::path AskForFile(HWND owner, bool save, const std::filesystem::path& proposed);
+
+}  // namespace NWorkbench

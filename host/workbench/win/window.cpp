@@ -1,0 +1,139 @@
+#include "host/workbench/win/window.h"
+
+#include <stdexcept>
+#include <utility>
+
+#include "host/workbench/texts.h"
+
+namespace NWorkbench {
+namespace {
+
+Window* gBeingMade = nullptr;  // takes the first message that comes
+std::function<void(const std::string&)> gReport;
+
+}  // namespace
+
+Window::~Window() {
+  if (const HWND window = std::exchange(mHandle, nullptr)) {
+    SetWindowLongPtrW(window, GWLP_USERDATA, 0);
+    DestroyWindow(window);
+  }
+}
+
+void Window::ReportFaultsTo(std::function<void(const std::string&)> report) { gReport = std::move(report); }
+
+void Window::Make(const Form& form) {
+  WNDCLASSEXW description = {};
+  description.cbSize = sizeof description;
+  description.lpfnWndProc = Receive;
+  description.hInstance = GetModuleHandleW(nullptr);
+  description.hCursor = LoadCursorW(nullptr, IDC_ARROW);
+  description.hbrBackground = form.background;
+  description.lpszClassName = form.className;
+  RegisterClassExW(&description);  // from the second time on the system refuses, as it is there
+  gBeingMade = this;
+  const HWND made = CreateWindowExW(form.extendedStyle, form.className, form.title, form.style,
+                                    form.place.left, form.place.top, form.place.right, form.place.bottom,
+                                    form.parent, nullptr, description.hInstance, nullptr);
+  gBeingMade = nullptr;
+  if (!made) throw std::runtime_error("a window cannot be made");
+}
+
+LRESULT CALLBACK Window::Receive(HWND handle, UINT message, WPARAM wParam, LPARAM lParam) {
+  auto* window = reinterpret_cast<Window*>(GetWindowLongPtrW(handle, GWLP_USERDATA));
+  if (!window && gBeingMade) {
+    window = std::exchange(gBeingMade, nullptr);
+    window->mHandle = handle;
+    SetWindowLongPtrW(handle, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(window));
+  }
+  if (!window) return DefWindowProcW(handle, message, wParam, lParam);
+  const LRESULT result = window->Guarded(message, wParam, lParam);
+  if (message == WM_NCDESTROY && GetWindowLongPtrW(handle, GWLP_USERDATA) != 0) {
+    SetWindowLongPtrW(handle, GWLP_USERDATA, 0);
+    window->mHandle = nullptr;
+  }
+  return result;
+}
+
+// Nothing may be thrown through the system.
+LRESULT Window::Guarded(UINT message, WPARAM wParam, LPARAM lParam) {
+  try {
+    return OnMessage(message, wParam, lParam);
+  } catch (const std::exception& error) {
+    if (gReport) gReport(error.what());
+    return 0;
+  }
+}
+
+void ChildWindow::MakeChild(HWND client, const wchar_t* className, const wchar_t* title, RECT place,
+                            bool visible) {
+  const DWORD shown = visible ? WS_VISIBLE : 0;
+  Make({className, title, WS_CHILD | WS_CLIPCHILDREN | WS_CLIPSIBLINGS | WS_OVERLAPPEDWINDOW | shown,
+        WS_EX_MDICHILD | WS_EX_CONTROLPARENT, client, place,
+        reinterpret_cast<HBRUSH>(static_cast<INT_PTR>(COLOR_BTNFACE + 1))});
+  SetIcon(DrawnIcon::Program);
+}
+
+// The system keeps account of the windows inside another.
+ChildWindow::~ChildWindow() {
+  if (Handle()) ::SendMessageW(GetParent(Handle()), WM_MDIDESTROY, reinterpret_cast<WPARAM>(Handle()), 0);
+}
+
+void ChildWindow::PutAway() {
+  ShowWindow(Handle(), SW_HIDE);
+  ::SendMessageW(GetParent(Handle()), WM_MDINEXT, reinterpret_cast<WPARAM>(Handle()), 0);
+}
+
+void ChildWindow::SetIcon(DrawnIcon icon) const {
+  const HICON made = MakeDrawnIcon(icon, GetSystemMetrics(SM_CXSMICON));
+  ::SendMessageW(Handle(), WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(made));
+}
+
+void ChildWindow::Activate() {
+  if (!Handle()) return;
+  ShowWindow(Handle(), SW_SHOW);
+  if (IsIconic(Handle())) ShowWindow(Handle(), SW_RESTORE);
+  ::SendMessageW(GetParent(Handle()), WM_MDIACTIVATE, reinterpret_cast<WPARAM>(Handle()), 0);
+}
+
+int Scaled(int length) {
+  static const int dpi = [] {
+    const HDC screen = GetDC(nullptr);
+    const int found = GetDeviceCaps(screen, LOGPIXELSY);
+    ReleaseDC(nullptr, screen);
+    return found > 0 ? found : USER_DEFAULT_SCREEN_DPI;
+  }();
+  return MulDiv(length, dpi, USER_DEFAULT_SCREEN_DPI);
+}
+
+HFONT DialogFont() {
+  static const HFONT font = [] {
+    NONCLIENTMETRICSW metrics = {};
+    metrics.cbSize = sizeof metrics;
+    SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0);
+    return CreateFontIndirectW(&metrics.lfMessageFont);
+  }();
+  return font;
+}
+
+HWND MakeControl(HWND parent, const wchar_t* className, const wchar_t* text, DWORD style, int id) {
+  const DWORD edge = style & WS_BORDER ? WS_EX_CLIENTEDGE : 0;
+  const HWND control =
+      CreateWindowExW(edge, className, text, (style & ~WS_BORDER) | WS_CHILD | WS_VISIBLE, 0, 0, 0, 0, parent,
+                      reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), GetModuleHandleW(nullptr), nullptr);
+  if (!control) throw std::runtime_error("a control cannot be made");
+  ::SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(DialogFont()), TRUE);
+  return control;
+}
+
+std::wstring TextOf(HWND control) {
+  std::wstring text(static_cast<std::size_t>(GetWindowTextLengthW(control)) + 1, L'\0');
+  text.resize(static_cast<std::size_t>(GetWindowTextW(control, text.data(), static_cast<int>(text.size()))));
+  return text;
+}
+
+int Ask(HWND owner, const std::wstring& text, UINT kind) {
+  return MessageBoxW(owner, text.c_str(), Text(TextId::AppName), kind);
+}
+
+}  // namespace NWorkbench

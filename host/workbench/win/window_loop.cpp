@@ -1,0 +1,204 @@
+// asio's header comes first: it brings the socket headers, which must precede those of Windows.
+#include <asio/executor_work_guard.hpp>
+#include <asio/io_context.hpp>
+
+#include "host/workbench/win/window_loop.h"
+
+#include <windows.h>
+
+#include <atomic>
+#include <deque>
+#include <mutex>
+#include <stdexcept>
+#include <thread>
+
+namespace NWorkbench {
+namespace {
+
+constexpr wchar_t kClassName[] = L"OstrelWorkbenchLoop";
+constexpr UINT kRunTasks = WM_APP;
+constexpr UINT_PTR kLaterTimer = 1;
+// What is posted goes before input and painting: after this long they get their turn.
+constexpr std::chrono::milliseconds kLongestTurn{8};
+
+// A task as asio hands it over, which can be moved but not copied.
+class Pending {
+ public:
+  virtual ~Pending() = default;
+  virtual void Run() = 0;
+};
+
+template <class Function>
+class PendingFunction final : public Pending {
+ public:
+  explicit PendingFunction(Function function) : mFunction(std::move(function)) {}
+  void Run() override { mFunction(); }
+
+ private:
+  Function mFunction;
+};
+
+bool IsUserWaiting() { return HIWORD(GetQueueStatus(QS_INPUT | QS_PAINT)) != 0; }
+
+}  // namespace
+
+// What the waiting thread and the window share.
+class WindowLoop::Core {
+ public:
+  Core(WindowLoop& owner, std::function<void(const std::string&)> onFault);
+  ~Core();
+
+  asio::io_context& Context() { return mContext; }
+
+  template <class Function>
+  void Add(Function&& function) {
+    auto pending =
+        std::make_unique<PendingFunction<std::decay_t<Function>>>(std::forward<Function>(function));
+    bool first = false;
+    {
+      const std::lock_guard lock(mMutex);
+      first = mPending.empty();
+      mPending.push_back(std::move(pending));
+    }
+    if (first) Wake();
+  }
+
+  void Wake() {
+    if (!mWoken.exchange(true)) PostMessageW(mWindow, kRunTasks, 0, 0);
+  }
+
+  int depth = 0;  // tasks that run inside one another
+
+ private:
+  static LRESULT CALLBACK Receive(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+  static HWND MakeReceiver();
+  std::unique_ptr<Pending> Take();
+  bool RunOne();
+  bool RunOneGuarded();
+  void RunTurn();
+
+  WindowLoop& mOwner;
+  std::function<void(const std::string&)> mOnFault;
+  asio::io_context mContext;
+  asio::executor_work_guard<asio::io_context::executor_type> mWork{mContext.get_executor()};
+  std::mutex mMutex;
+  std::deque<std::unique_ptr<Pending>> mPending;
+  std::atomic<bool> mWoken = false;
+  HWND mWindow = nullptr;
+  std::thread mThread;
+};
+
+namespace {
+
+// Hands over to the window whatever asio completes. It refers to its queue without owning it, as an executor
+// of an io_context does.
+template <class Core>
+struct WindowExecutor {
+  Core* core;
+
+  static constexpr asio::execution::blocking_t query(asio::execution::blocking_t) noexcept {
+    return asio::execution::blocking.never;
+  }
+  asio::execution_context& query(asio::execution::context_t) const noexcept { return core->Context(); }
+  WindowExecutor require(asio::execution::blocking_t::never_t) const noexcept { return *this; }
+
+  template <class Function>
+  void execute(Function&& function) const {
+    core->Add(std::forward<Function>(function));
+  }
+
+  bool operator==(const WindowExecutor&) const noexcept = default;
+};
+
+}  // namespace
+
+HWND WindowLoop::Core::MakeReceiver() {
+  WNDCLASSW description = {};
+  description.lpfnWndProc = Receive;
+  description.hInstance = GetModuleHandleW(nullptr);
+  description.lpszClassName = kClassName;
+  RegisterClassW(&description);  // again for each loop: the system refuses that
+  return CreateWindowExW(0, kClassName, nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, description.hInstance,
+                         nullptr);
+}
+
+WindowLoop::Core::Core(WindowLoop& owner, std::function<void(const std::string&)> onFault)
+    : mOwner(owner), mOnFault(std::move(onFault)), mWindow(MakeReceiver()) {
+  if (!mWindow) throw std::runtime_error("the window that receives the events of buses cannot be made");
+  SetWindowLongPtrW(mWindow, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+  mThread = std::thread([this] { mContext.run(); });
+}
+
+WindowLoop::Core::~Core() {
+  mContext.stop();
+  mThread.join();
+  SetWindowLongPtrW(mWindow, GWLP_USERDATA, 0);
+  DestroyWindow(mWindow);
+}
+
+LRESULT CALLBACK WindowLoop::Core::Receive(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  auto* const core = reinterpret_cast<Core*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+  const bool isLater = message == WM_TIMER && wParam == kLaterTimer;
+  if (!core || (message != kRunTasks && !isLater)) return DefWindowProcW(window, message, wParam, lParam);
+  if (isLater) KillTimer(window, kLaterTimer);
+  core->RunTurn();
+  return 0;
+}
+
+std::unique_ptr<Pending> WindowLoop::Core::Take() {
+  const std::lock_guard lock(mMutex);
+  if (mPending.empty()) return nullptr;
+  auto pending = std::move(mPending.front());
+  mPending.pop_front();
+  return pending;
+}
+
+bool WindowLoop::Core::RunOne() {
+  if (const auto pending = Take()) {
+    pending->Run();
+    return true;
+  }
+  return mOwner.Fast() && mOwner.Fast()->RunOne();
+}
+
+// Nothing may be thrown through the window procedure.
+bool WindowLoop::Core::RunOneGuarded() {
+  try {
+    return RunOne();
+  } catch (const std::exception& error) {
+    mOnFault(error.what());
+    return true;
+  }
+}
+
+// While the user waits, the rest comes with a timer, which lets input and painting go before it.
+void WindowLoop::Core::RunTurn() {
+  mWoken = false;
+  ++depth;
+  const auto end = std::chrono::steady_clock::now() + kLongestTurn;
+  bool more = true;
+  while (more && std::chrono::steady_clock::now() < end) more = RunOneGuarded();
+  --depth;
+  if (!more) return;
+  if (IsUserWaiting()) {
+    mWoken = true;
+    SetTimer(mWindow, kLaterTimer, USER_TIMER_MINIMUM, nullptr);
+  } else {
+    Wake();
+  }
+}
+
+WindowLoop::WindowLoop(std::function<void(const std::string&)> onFault)
+    : mCore(std::make_unique<Core>(*this, std::move(onFault))) {}
+
+WindowLoop::~WindowLoop() = default;
+
+asio::any_io_executor WindowLoop::Executor() { return WindowExecutor<Core>{mCore.get()}; }
+
+bool WindowLoop::IsInTask() const { return mCore->depth != 0; }
+
+void WindowLoop::PostForRealTime(NRuntime::Task task) { mCore->Add(std::move(task)); }
+
+void WindowLoop::OnFastWork() { mCore->Wake(); }
+
+}  // namespace NWorkbench

@@ -1,0 +1,145 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/configuration/document.h"
+#include "host/runtime/application.h"
+#include "host/runtime/module.h"
+#include "host/runtime/setup.h"
+#include "host/workbench/bus_load.h"
+#include "host/workbench/session.h"
+#include "host/workbench/trace_store.h"
+
+namespace NWorkbench {
+
+/// What the windows hear of. All calls come on the one thread.
+class WorkbenchEvents {
+ public:
+  virtual ~WorkbenchEvents() = default;
+  /// Blocks, channels or settings have changed: whatever shows them is brought up to date.
+  virtual void OnSetupChanged() = 0;
+  /// This block is about to go: its window goes first.
+  virtual void OnBlockLeaving(IUnknown& block) = 0;
+  virtual void OnMeasurementChanged() = 0;
+  /// Something that the user should know but need not answer, in words.
+  virtual void OnTrouble(const std::string& text) = 0;
+};
+
+/// A block of the configuration.
+struct PlacedBlock {
+  NRuntime::ComPtr<IUnknown> object;  ///< empty: it could not be made; its settings are kept as they were
+  NConfiguration::Block stored;       ///< settings as they were read or saved last; its window
+};
+
+struct WorkbenchOptions {
+  std::filesystem::path module;     ///< of the plug-in
+  std::filesystem::path libraries;  ///< folder of the host's libraries
+  std::function<std::unique_ptr<NRuntime::IoLoop>()> makeLoop;
+};
+
+/// The host behind the windows: a configuration, the module with its blocks, the measurement.
+class Workbench final : private NRuntime::MeasurementObserver {
+ public:
+  Workbench(WorkbenchOptions options, WorkbenchEvents& events);
+  ~Workbench() override;
+
+  // ---- configuration
+
+  /// A new one with a virtual bus on channel 1.
+  void New(const NConfiguration::Document& settings);
+  /// Throws std::runtime_error, one line: the file cannot be used. What was open before then stays open.
+  void Open(const std::filesystem::path& file);
+  /// Throws std::runtime_error, one line: the old file is as it was.
+  void Save(const std::filesystem::path& file);
+  /// Empty: never saved.
+  const std::filesystem::path& File() const { return mFile; }
+  /// The configuration with the settings that blocks have now.
+  NConfiguration::Document Capture() const;
+  bool IsModified() const { return !(Capture() == mSaved); }
+  /// Replaces what is set up beside the blocks. The module is loaded anew where variant or language change.
+  /// Not while a measurement runs.
+  void Change(const NConfiguration::Document& document);
+  void SetNumberBase(std::uint32_t base);
+  void SetWindow(const NConfiguration::Window& window) { mDocument.window = window; }
+  /// As it is in the file, without blocks.
+  const NConfiguration::Document& Settings() const { return mDocument; }
+
+  // ---- module and blocks
+
+  /// Empty while the module works; else why it does not.
+  const std::string& ModuleFault() const { return mModuleFault; }
+  NRuntime::Application& Application() const { return *mApplication; }
+  /// Null when the module does not work.
+  NSdk::IPlugInExtensions* Extensions() const { return mExtensions.Get(); }
+  std::vector<PlacedBlock>& Blocks() { return mBlocks; }
+  /// Null: no such block.
+  PlacedBlock* Find(const IUnknown* block);
+  NSdk::BlockCategory CategoryOf(const PlacedBlock& block) const;
+  std::wstring NameOf(const PlacedBlock& block) const;
+  /// CAN channel of a block that has one, else 0.
+  std::uint32_t ChannelOf(const PlacedBlock& block) const;
+  /// Executes a command of a plug-in. A generator that it inserts gets this CAN channel, if it is not 0.
+  void Execute(NSdk::IAction& action, std::uint32_t channel);
+  /// The context of a command, for drop-downs that execute their items themselves.
+  NRuntime::ComPtr<IUnknown> CommandContext() const;
+  /// Not while a measurement runs.
+  void Remove(std::size_t position);
+
+  // ---- measurement
+
+  /// Throws std::runtime_error in words for the user.
+  void Start();
+  void Stop();
+  bool IsMeasuring() const { return mSession && mSession->IsRunning(); }
+  NRuntime::Time Elapsed() const { return mSession ? mSession->Elapsed() : NRuntime::Time::zero(); }
+  TraceStore& Trace() { return mTrace; }
+  const std::map<std::uint32_t, BusLoad>& Loads() const { return mLoads; }
+  /// About once a second while a measurement runs.
+  void EndLoadSpan();
+  /// Lets go of measurements that have ended, once nothing of them runs any more.
+  void Tidy(const std::function<bool(NRuntime::IoLoop&)>& isInTask);
+
+ private:
+  void OnFrame(const NRuntime::SeenFrame& seen) override;
+  void OnTrouble(std::uint32_t channel, const std::string& text) override;
+  void OnEnd() override;
+
+  void OpenHost(const std::vector<NConfiguration::Block>& blocks);
+  void CloseHost();
+  void LoadModule();
+  void AddStoredBlock(NConfiguration::Block block);
+  void TakeNewBlocks();
+  void SetChannel(IUnknown& block, std::uint32_t channel) const;
+  std::vector<NConfiguration::Block> CaptureBlocks() const;
+  NConfiguration::Document ForUse() const;
+  NRuntime::ConfigurationData HostConfiguration() const;
+
+  WorkbenchOptions mOptions;
+  WorkbenchEvents& mEvents;
+  std::filesystem::path mFile;
+  NConfiguration::Document mDocument;  // its blocks are in mBlocks
+  NConfiguration::Document mSaved;
+
+  NRuntime::ComPtr<NRuntime::Application> mApplication;
+  std::unique_ptr<NRuntime::Module> mModule;  // null: it does not work
+  NRuntime::ComPtr<NSdk::IPlugInExtensions> mExtensions;
+  std::string mModuleFault;
+  NRuntime::ComPtr<NRuntime::Setup> mSetup;
+  std::vector<PlacedBlock> mBlocks;
+  std::uint32_t mInsertChannel = 0;
+
+  std::unique_ptr<Session> mSession;
+  std::vector<std::unique_ptr<Session>> mEnded;
+  TraceStore mTrace;
+  std::map<std::uint32_t, BusLoad> mLoads;
+};
+
+/// Settings of a block as it has them now; those that are given when it does not answer.
+std::vector<NConfiguration::Block::Setting> SettingsOf(IUnknown& block);
+
+}  // namespace NWorkbench
