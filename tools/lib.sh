@@ -9,6 +9,7 @@ cache=$root/.cache  # made once and kept; build/ may be wiped at any time
 #   test      the native tests: GoogleTest, a reader of the logs that are written, a client of the network, benchmarks,
 #             the format check
 #   windows   cross compiler, Wine (fonts apart: windows measure their text)
+#   screen    a desktop where there is none, and pictures of it
 #   source    unpack a Debian source package
 #   vm        a virtual machine with the kernel that the tests of CAN interfaces need (tests/buses/socketcan_vm)
 #   images    draw the module's bitmaps and icons anew (tools/make-images)
@@ -19,6 +20,7 @@ packages_of() {
     build) echo g++ cmake ninja-build libxerces-c-dev libasio-dev libcli11-dev nlohmann-json3-dev libfmt-dev libreadline-dev ;;
     test) echo googletest can-utils python3-can libbenchmark-dev clang-format-14 ;;
     windows) echo g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 wine64 fonts-wine googletest ;;
+    screen) echo xvfb xauth imagemagick ;;
     source) echo dpkg-dev ;;
     vm) echo qemu-system-x86 cpio iproute2 can-utils ;;
     images) echo librsvg2-bin imagemagick ;;
