@@ -12,7 +12,7 @@ class IoLoop::EitherAlarm final : public Alarm {
       mAlarm = mLoop.mFastTime ? mLoop.mFastTime->MakeAlarm(std::move(mTask))
                                : MakePreciseAlarm(mLoop, std::move(mTask));
     }
-    mAlarm->SetFor(deadline);
+    mAlarm->SetFor(mLoop.mFastTime ? deadline : mLoop.RoundedUp(deadline));
     if (mLoop.mFastTime) mLoop.OnFastWork();
   }
 

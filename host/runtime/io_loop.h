@@ -24,6 +24,8 @@ class IoLoop : public Loop {
 
  protected:
   virtual void PostForRealTime(Task task) = 0;
+  /// When an alarm of real time goes off that is wanted for `deadline`: not before.
+  virtual Time RoundedUp(Time deadline) const { return deadline; }
   /// Something was posted or set on the fast clock.
   virtual void OnFastWork() {}
   /// Null while the clock is the real one.

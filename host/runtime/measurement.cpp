@@ -222,6 +222,7 @@ void Measurement::DeliverSoon() {
 // then finds its own delivered.
 void Measurement::Deliver() {
   const std::shared_ptr<Run> run = mRun;
+  if (!run) return;
   auto& frames = run->delivering;
   if (frames.empty()) {
     frames.swap(run->waiting);

@@ -240,6 +240,13 @@ std::wstring Workbench::NameOf(const PlacedBlock& block) const {
   return NRuntime::ToWide(stored && !stored->empty() ? *stored : block.stored.progId);
 }
 
+std::wstring Workbench::CaptionOf(const PlacedBlock& block) const {
+  NRuntime::ReceivedText caption;
+  const auto captioned = NRuntime::Query<NSdk::IPlugInBlock>(block.object);
+  const bool answered = captioned && SUCCEEDED(captioned->GetCaption(caption.Out()));
+  return answered && !caption.Text().empty() ? caption.Text() : NameOf(block);
+}
+
 std::uint32_t Workbench::ChannelOf(const PlacedBlock& block) const {
   std::string text;
   if (block.object) {
@@ -285,28 +292,39 @@ void Workbench::Remove(std::size_t position) {
 // ---- measurement
 
 void Workbench::Start() {
-  if (mSession) return;
+  if (mSession || mIsChanging) return;
   const NConfiguration::Document document = ForUse();
   mTrace.Clear();
   mLoads.clear();
   for (const auto& channel : document.channels) mLoads.emplace(channel.number, BusLoad(BitRateOf(channel)));
   NRuntime::MeasurementObserver& observer = *this;
   mSession = std::make_unique<Session>(mOptions.makeLoop(), document, mOptions.libraries, observer);
+  mIsChanging = true;
+  mStopIsWanted = false;
   try {
-    mSession->Start(mSetup->Blocks());
+    const auto blocks = mSetup->Blocks();
+    mSession->Start(blocks);
   } catch (...) {
-    mEnded.push_back(std::move(mSession));
-    mEvents.OnMeasurementChanged();
+    EndSession();
     throw;
   }
+  mIsChanging = false;
   mEvents.OnMeasurementChanged();
+  if (mStopIsWanted) Stop();
 }
 
-// It may be one of the measurement's own tasks that stops it.
 void Workbench::Stop() {
-  if (!mSession) return;
+  mStopIsWanted = true;
+  if (!mSession || mIsChanging) return;
+  mIsChanging = true;
   mSession->Stop();
+  EndSession();
+}
+
+// It may be one of the measurement's own tasks that ends it.
+void Workbench::EndSession() {
   mEnded.push_back(std::move(mSession));
+  mIsChanging = false;
   mEvents.OnMeasurementChanged();
 }
 

@@ -81,6 +81,8 @@ class Workbench final : private NRuntime::MeasurementObserver {
   PlacedBlock* Find(const IUnknown* block);
   NSdk::BlockCategory CategoryOf(const PlacedBlock& block) const;
   std::wstring NameOf(const PlacedBlock& block) const;
+  /// For the title of its window.
+  std::wstring CaptionOf(const PlacedBlock& block) const;
   /// CAN channel of a block that has one, else 0.
   std::uint32_t ChannelOf(const PlacedBlock& block) const;
   /// Executes a command of a plug-in. A generator that it inserts gets this CAN channel, if it is not 0.
@@ -94,8 +96,9 @@ class Workbench final : private NRuntime::MeasurementObserver {
 
   /// Throws std::runtime_error in words for the user.
   void Start();
+  /// While the measurement starts or stops, it is noted for later.
   void Stop();
-  bool IsMeasuring() const { return mSession && mSession->IsRunning(); }
+  bool IsMeasuring() const { return mSession != nullptr; }
   NRuntime::Time Elapsed() const { return mSession ? mSession->Elapsed() : NRuntime::Time::zero(); }
   TraceStore& Trace() { return mTrace; }
   const std::map<std::uint32_t, BusLoad>& Loads() const { return mLoads; }
@@ -112,6 +115,7 @@ class Workbench final : private NRuntime::MeasurementObserver {
   void OpenHost(const std::vector<NConfiguration::Block>& blocks);
   void CloseHost();
   void LoadModule();
+  void EndSession();
   void AddStoredBlock(NConfiguration::Block block);
   void TakeNewBlocks();
   void SetChannel(IUnknown& block, std::uint32_t channel) const;
@@ -134,6 +138,8 @@ class Workbench final : private NRuntime::MeasurementObserver {
   std::uint32_t mInsertChannel = 0;
 
   std::unique_ptr<Session> mSession;
+  bool mIsChanging = false;  // the measurement starts or stops: blocks may let the loop run in it
+  bool mStopIsWanted = false;
   std::vector<std::unique_ptr<Session>> mEnded;
   TraceStore mTrace;
   std::map<std::uint32_t, BusLoad> mLoads;

@@ -80,9 +80,11 @@ NConfiguration::Window BlockWindow::Place() const {
   return place;
 }
 
+// A list that fills the window has no controls to go through.
 bool BlockWindow::Translate(MSG& message) {
   const HWND inner = Inner();
-  return inner && IsDialogMessageW(inner, &message);
+  const bool hasControls = inner && (GetWindowLongW(inner, GWL_EXSTYLE) & WS_EX_CONTROLPARENT) != 0;
+  return hasControls && IsDialogMessageW(inner, &message);
 }
 
 LRESULT BlockWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {

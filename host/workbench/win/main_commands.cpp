@@ -142,7 +142,7 @@ void MainWindow::OpenAsked() {
   if (!file.empty()) Open(file);
 }
 
-void MainWindow::Open(const std::filesystem::path& file) {
+bool MainWindow::Open(const std::filesystem::path& file) {
   try {
     const WaitCursor waiting;
     mWorkbench->Open(file);
@@ -151,10 +151,11 @@ void MainWindow::Open(const std::filesystem::path& file) {
     Ask(Handle(), Text(TextId::CannotOpen, Words(error)), MB_OK | MB_ICONERROR);
     mRecent.Remove(file);
     RefreshLater();
-    return;
+    return false;
   }
   mRecent.Add(mWorkbench->File());
   AfterOpening();
+  return true;
 }
 
 void MainWindow::AfterOpening() {
@@ -228,7 +229,7 @@ void MainWindow::OpenBlock(std::size_t position, bool remembered) {
         block->stored.window->open = false;
       }
     };
-    mBlocks[object] = std::make_unique<BlockWindow>(mClient, events, mWorkbench->NameOf(placed),
+    mBlocks[object] = std::make_unique<BlockWindow>(mClient, events, mWorkbench->CaptionOf(placed),
                                                     placed.stored.window, std::move(closed));
   } catch (const std::runtime_error& error) {
     mBlocks.erase(object);

@@ -97,12 +97,9 @@ void MainWindow::MakeInside() {
 void MainWindow::Begin(int show) {
   ShowWindow(Handle(), show);
   UpdateWindow(Handle());
-  if (!mOptions.configuration.empty()) {
-    Open(mOptions.configuration);
-  } else {
-    AfterOpening();
-  }
-  if (mOptions.start) StartMeasurement();
+  const bool isNew = mOptions.configuration.empty();
+  if (isNew) AfterOpening();
+  if ((isNew || Open(mOptions.configuration)) && mOptions.start) StartMeasurement();
 }
 
 // Keys of the program go first, but the one that stops a measurement closes dialogs while none runs.
@@ -163,6 +160,10 @@ void MainWindow::RefreshAll() {
     child->Refresh();
   }
   mTrace->SetNumberBase(mWorkbench->Settings().numberBase);
+  for (const auto& [object, window] : mBlocks) {
+    const PlacedBlock* const block = mWorkbench->Find(object);
+    if (block && window) SetWindowTextW(window->Handle(), mWorkbench->CaptionOf(*block).c_str());
+  }
   ShowTitle();
   ShowStatus();
   Arrange();

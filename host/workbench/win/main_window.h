@@ -70,7 +70,7 @@ class MainWindow final : public Window, private WorkbenchEvents, private SetupCo
   bool ConfirmDiscard();
   bool Save(bool askName);
   void OpenAsked();
-  void Open(const std::filesystem::path& file);
+  bool Open(const std::filesystem::path& file);
   void New();
   void AfterOpening();
   void StartMeasurement();

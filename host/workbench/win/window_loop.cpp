@@ -199,6 +199,11 @@ bool WindowLoop::IsInTask() const { return mCore->depth != 0; }
 
 void WindowLoop::PostForRealTime(NRuntime::Task task) { mCore->Add(std::move(task)); }
 
+// A busy bus would wake the window with every frame: what is due within a millisecond comes at its end.
+NRuntime::Time WindowLoop::RoundedUp(NRuntime::Time deadline) const {
+  return std::chrono::ceil<std::chrono::milliseconds>(deadline);
+}
+
 void WindowLoop::OnFastWork() { mCore->Wake(); }
 
 }  // namespace NWorkbench

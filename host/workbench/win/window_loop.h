@@ -28,6 +28,7 @@ class WindowLoop final : public NRuntime::IoLoop {
   class Core;
 
   void PostForRealTime(NRuntime::Task task) override;
+  NRuntime::Time RoundedUp(NRuntime::Time deadline) const override;
   void OnFastWork() override;
 
   std::unique_ptr<Core> mCore;

@@ -165,7 +165,9 @@ std::filesystem::path WriteConfiguration(const std::string& name, const std::str
       std::filesystem::temp_directory_path() / ("workbench" + std::to_string(GetCurrentProcessId()));
   std::filesystem::create_directories(folder);
   const auto file = folder / name;
-  std::ofstream(file, std::ios::binary) << R"({"format": 1, "channels": [)" << channels << "]" << more << "}";
+  std::ofstream(file, std::ios::binary)
+      << R"({"format": 1, "variant": "halvard", "language": 1, "numberBase": 10)"
+      << R"(, "channels": [)" << channels << "]" << more << "}";
   return file;
 }
 
