@@ -7,8 +7,8 @@
 #include "host/buses/bus_name.h"
 #include "host/buses/replay.h"
 #include "host/buses/virtual_bus.h"
-#include "host/runtime/io_loop.h"
 #include "host/runtime/can_adapter.h"
+#include "host/runtime/io_loop.h"
 
 namespace NBuses {
 

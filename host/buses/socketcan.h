@@ -4,8 +4,8 @@
 #include <memory>
 #include <string>
 
-#include "host/runtime/io_loop.h"
 #include "host/runtime/can_adapter.h"
+#include "host/runtime/io_loop.h"
 
 namespace NBuses {
 
@@ -16,7 +16,6 @@ bool HasSocketCan();
 ///
 /// A frame counts as sent when the interface says that it was on the bus. What the interface cannot take at
 /// once waits in a queue. An interface that goes down, or away, is used again when it comes back.
-std::unique_ptr<NRuntime::CanAdapter> MakeSocketCan(NRuntime::IoLoop& loop,
-                                                    const std::string& interfaceName);
+std::unique_ptr<NRuntime::CanAdapter> MakeSocketCan(NRuntime::IoLoop& loop, const std::string& interfaceName);
 
 }  // namespace NBuses

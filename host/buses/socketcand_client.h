@@ -4,8 +4,8 @@
 #include <string>
 
 #include "host/buses/socketcand_text.h"
-#include "host/runtime/io_loop.h"
 #include "host/runtime/can_adapter.h"
+#include "host/runtime/io_loop.h"
 
 namespace NBuses {
 

@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "host/buses/socketcand_session.h"
-#include "host/runtime/io_loop.h"
 #include "host/runtime/can_adapter.h"
+#include "host/runtime/io_loop.h"
 
 namespace NBuses {
 
