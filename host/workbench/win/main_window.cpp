@@ -73,6 +73,8 @@ MainWindow::MainWindow(const StartOptions& options) : mOptions(options), mKeys(M
 // The module's windows go while the main window still stands.
 MainWindow::~MainWindow() {
   mRemembersBlocks = false;
+  mWorkbench->Stop();
+  mBlocks.clear();
   mWorkbench.reset();
   DestroyAcceleratorTable(mKeys);
 }
