@@ -19,7 +19,8 @@ Usage: ostrel-bench commands [OPTIONS]
 
 Options:
   --json             One JSON document with everything that is known of each
-  --can NUMBER=BUS   A CAN channel of the configuration (default: 1=virtual)
+  --config FILE.json Take variant and channels from a configuration
+  --can NUMBER=BUS   A CAN channel of the host (default: 1=virtual)
   --variant NAME     Kind of host to be, halvard or tesmond (default: halvard)
   --module PATH      Module to load (default: Ostrel.hpi beside this program)
 
@@ -106,6 +107,7 @@ class CommandsCommand final : public Command {
     app.add_flag("--json", mJson);
   }
   std::string Help() const override { return kCommandsHelp; }
+  HostTexts* Texts() override { return &mHost; }
   ExitStatus Run() const override;
 
  private:

@@ -37,6 +37,11 @@ class Item {
   bool mIsThere;
 };
 
+// What a block without settings has.
+NRuntime::Settings NewGenerator() {
+  return {{L"Name", L"Generator"}, {L"SvcDelay", L"10"}, {L"SDOTimeout", L"5000"}, {L"SDOBlockSize", L"10"}};
+}
+
 [[noreturn]] void RefuseBlock(const std::string& what) {
   throw std::runtime_error(std::string("block \"") + NSdk::kProgIdCANopenIG + "\" " + what);
 }
@@ -93,6 +98,27 @@ class GeneratorBlock::Events final : public NRuntime::Implements<NSdk::IGenerato
   GeneratorListener* mListener;  // null: the block is being let go
 };
 
+NRuntime::Settings GeneratorSettings(const HostOptions& options) {
+  return AllGeneratorSettings(options).front();
+}
+
+std::vector<NRuntime::Settings> AllGeneratorSettings(const HostOptions& options) {
+  std::vector<NRuntime::Settings> all;
+  for (const NConfiguration::Block& block : options.blocks) {
+    if (block.progId != NSdk::kProgIdCANopenIG) continue;
+    all.push_back(NewGenerator());
+    TakeSettings(block, all.back());
+  }
+  if (all.empty()) all.push_back(NewGenerator());
+  all.front().Set(L"CANChannel", std::to_wstring(options.channel));
+  return all;
+}
+
+void TakeSettings(const NConfiguration::Block& block, NRuntime::Settings& settings) {
+  for (const auto& [key, value] : block.settings)
+    settings.Set(NRuntime::ToWide(key), NRuntime::ToWide(value));
+}
+
 GeneratorBlock::GeneratorBlock(const NRuntime::Application& application, NRuntime::Setup& setup,
                                const NRuntime::Settings& settings, GeneratorListener& listener)
     : mInserted(application, setup, L"Insert.CANopenIG"),
@@ -126,6 +152,14 @@ NRuntime::Settings GeneratorBlock::Settings() const {
     RefuseBlock("does not give its settings");
   }
   return writer->Written();
+}
+
+bool GeneratorBlock::ReloadSequence() { return mGenerator->ReloadSequence() == S_OK; }
+
+std::filesystem::path GeneratorBlock::SequenceFile() const {
+  const NRuntime::Settings settings = Settings();
+  const std::wstring* const path = settings.Find(L"LastCOIGSequenceAbs");
+  return path ? NRuntime::ToPath(NRuntime::ToUtf8(*path)) : std::filesystem::path();
 }
 
 void GeneratorBlock::ToggleSequence() {

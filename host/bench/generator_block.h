@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <string>
 
+#include "host/bench/host.h"
 #include "host/bench/inserted_block.h"
 #include "host/runtime/application.h"
 #include "host/runtime/com.h"
@@ -23,6 +24,14 @@ class GeneratorListener {
   virtual void OnActivityChanged() = 0;
 };
 
+/// Gives a block of the configuration what it kept.
+void TakeSettings(const NConfiguration::Block& block, NRuntime::Settings& settings);
+/// Settings of the generator block that the host's configuration holds, else those of a new one, sending on
+/// the host's channel.
+NRuntime::Settings GeneratorSettings(const HostOptions& options);
+/// These, and behind them those of the configuration's further generator blocks.
+std::vector<NRuntime::Settings> AllGeneratorSettings(const HostOptions& options);
+
 /// A generator block of the module, as long as it is in the setup.
 class GeneratorBlock {
  public:
@@ -36,8 +45,11 @@ class GeneratorBlock {
 
   /// Throws std::runtime_error, one line that names the file and what is wrong with it.
   void LoadSequence(const std::filesystem::path& path);
-  /// Loads the file that the settings remember, if any. The module tells the user when it cannot.
-  void ReloadSequence() { mGenerator->ReloadSequence(); }
+  /// Loads the file that the settings remember. False: none is remembered, or it cannot be loaded, of which
+  /// the module has a message.
+  bool ReloadSequence();
+  /// Empty: none was loaded.
+  std::filesystem::path SequenceFile() const;
   /// As a configuration keeps them.
   NRuntime::Settings Settings() const;
 

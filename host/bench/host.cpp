@@ -38,9 +38,22 @@ std::vector<std::unique_ptr<NDevices::DeviceOnBus>> MakeDevices(NRuntime::Loop& 
 
 NRuntime::ConfigurationData MakeConfiguration(const HostOptions& options) {
   NRuntime::ConfigurationData configuration;
-  for (const ChannelOption& channel : options.channels) configuration.canChannels.push_back(channel.number);
-  if (options.database) configuration.databases.push_back({*options.database, options.databaseChannel});
+  configuration.path = options.configuration;
+  for (const ChannelOption& channel : options.channels) {
+    configuration.canChannels.push_back(channel.number);
+    for (const auto& database : channel.databases) {
+      configuration.databases.push_back({database, channel.number});
+    }
+  }
   return configuration;
+}
+
+NodeNames NamesOf(const HostOptions& options) {
+  NodeNames names;
+  for (const ChannelOption& channel : options.channels) {
+    for (const auto& database : channel.databases) names.merge(ReadNodeNames(database, channel.number));
+  }
+  return names;
 }
 
 // Takes the place of the module's message boxes and dialogs.
@@ -75,11 +88,12 @@ class TextDialogs final : public NRuntime::Implements<NSdk::IUserDialogs> {
 
 Host::Host(const HostOptions& options, NRuntime::MeasurementObserver& observer,
            std::function<void(const std::string&)> showMessage)
-    : mNames(options.database ? ReadNodeNames(*options.database, options.databaseChannel) : NodeNames()),
+    : mNames(NamesOf(options)),
       mDevices(MakeDevices(mLoop, mBuses, options)),
       mMeasurement(mLoop, MakeChannels(mBuses, options.channels), observer),
       mApplication(NRuntime::Make<NRuntime::Application>(
-          NRuntime::ApplicationSettings{options.variant, 1, 10}, MakeConfiguration(options))),
+          NRuntime::ApplicationSettings{options.variant, options.language, options.numberBase},
+          MakeConfiguration(options))),
       mSetup(NRuntime::Make<NRuntime::Setup>(*mApplication)),
       mModule(options.module.value_or(ProgramFolder() / kModuleName)) {
   mApplication->AddService<NSdk::IUserDialogs>(

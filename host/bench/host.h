@@ -10,6 +10,7 @@
 
 #include "host/bench/node_names.h"
 #include "host/buses/bus_factory.h"
+#include "host/configuration/document.h"
 #include "host/devices/device_on_bus.h"
 #include "host/runtime/application.h"
 #include "host/runtime/asio_loop.h"
@@ -19,24 +20,14 @@
 
 namespace NBench {
 
-struct ChannelOption {
-  std::uint32_t number = 0;
-  std::string bus;  ///< KIND[:ADDRESS][,OPTION=VALUE...]
-};
+using ChannelOption = NConfiguration::Channel;
+using DeviceOption = NConfiguration::Device;
 
-/// A simulated device on the bus of a channel.
-struct DeviceOption {
-  std::uint32_t channel = 0;
-  NDevices::DeviceWord device;
-};
-
-struct HostOptions {
-  std::vector<ChannelOption> channels;  ///< numbers differ
-  std::vector<DeviceOption> devices;    ///< on channels of the list
-  NSdk::HostVariant variant = NSdk::kHostHalvard;
-  std::optional<std::filesystem::path> module;    ///< empty: the one beside the program
-  std::optional<std::filesystem::path> database;  ///< a CAN database, assigned to databaseChannel
-  std::uint32_t databaseChannel = 0;
+/// What a host is set up with. Paths are for use as they are.
+struct HostOptions : NConfiguration::Document {
+  std::uint32_t channel = 0;  ///< one of the list: the generator's, and that of devices of the command line
+  std::optional<std::filesystem::path> module;  ///< empty: the one beside the program
+  std::filesystem::path configuration;          ///< file of the configuration, absolute; empty: there is none
 };
 
 /// A host without windows: the loop, the channels, the application object and the module, ready for blocks.
@@ -55,7 +46,7 @@ class Host {
   void PowerOnDevices();
   void PowerOffDevices();
 
-  /// Of the database.
+  /// Of the databases.
   const NodeNames& Names() const { return mNames; }
 
   NRuntime::AsioLoop& Loop() { return mLoop; }

@@ -26,13 +26,17 @@ Usage: ostrel-bench nmt COMMAND (all | NODE...) [OPTIONS]
 Options:
   --network NUMBER   Network to send to, 1 to 4, among those that a generator block
                      serves (default: 1)
+  --config FILE.json Take channels, devices, databases and the generator's settings
+                     from a configuration; options replace what it says, --device
+                     and --db add to it
   --can NUMBER=BUS   Put CAN channel NUMBER on a bus; may be given several times
                      (default: 1=virtual)
-  --channel NUMBER   Channel of the generator block and of the simulated devices
-                     (default: the lowest)
+  --channel NUMBER   Channel of the generator block and of what --device and --db
+                     add (default: the configuration's, else the lowest)
   --device NODE[:FILE]
                      Put a simulated CANopen device on that bus, an I/O device or
                      the one that an EDS or DCF describes; may be given several times
+  --db FILE.dbc      CAN database of that channel
   --variant NAME     Kind of host to be, halvard or tesmond (default: halvard)
   --module PATH      Module to load (default: Ostrel.hpi beside this program)
 
@@ -52,7 +56,6 @@ constexpr NRuntime::Time kEcho = std::chrono::milliseconds(50);
 
 struct NmtOptions {
   HostOptions host;
-  std::uint32_t channel = 0;
   NmtOrder order;
 };
 
@@ -87,8 +90,7 @@ class Sender final : private NRuntime::MeasurementObserver, private GeneratorLis
 Sender::Sender(const NmtOptions& options)
     : mOptions(options),
       mHost(options.host, *this, [this](const std::string& text) { AddError(text); }),
-      mGenerator(mHost.Application(), mHost.Setup(), {{L"CANChannel", std::to_wstring(options.channel)}},
-                 *this),
+      mGenerator(mHost.Application(), mHost.Setup(), GeneratorSettings(options.host), *this),
       mEnd(mHost.Loop().MakeAlarm([this] { mHost.Loop().Stop(); })),
       mToSend(std::max<std::size_t>(options.order.nodeIds.size(), 1)) {}
 
@@ -135,6 +137,7 @@ class NmtCommand final : public Command {
  public:
   void AddOptions(CLI::App& app) override;
   std::string Help() const override { return kNmtHelp + NBuses::DescribeBusKinds() + kNmtFooter; }
+  HostTexts* Texts() override { return &mHost; }
   ExitStatus Run() const override { return Sender(Check()).Run(); }
 
  private:
@@ -156,7 +159,6 @@ NmtOptions NmtCommand::Check() const {
   constexpr std::uint32_t kLastNetwork = 4;
   NmtOptions options;
   options.host = CheckHost(mHost);
-  options.channel = ChooseChannel(mHost.channel, options.host.channels);
   const auto network = ParseNumber(mNetwork, 1, kLastNetwork);
   if (!network) Refuse("--network", mNetwork, "a number from " + Range(1, kLastNetwork) + " is wanted");
   options.order = ParseNmtOrder(mKind, mTargets, *network);

@@ -15,7 +15,7 @@ NRuntime::ComPtr<NSdk::ICanDatabase> Open(NSdk::IDatabaseManager& manager,
   if (manager.OpenFile(database.wstring().c_str(), opened.Out()) == S_OK) return opened;
   NRuntime::ReceivedText reason;
   manager.GetFailure(reason.Out());
-  throw std::runtime_error("--db " + NRuntime::ToUtf8(reason.Text()));
+  throw std::runtime_error(NRuntime::ToUtf8(reason.Text()));
 }
 
 }  // namespace

@@ -19,6 +19,7 @@ constexpr char kNodesHelp[] =
 module finds them: the objects and TPDOs of each come from its description.
 
 Usage: ostrel-bench nodes --db FILE.dbc [OPTIONS]
+       ostrel-bench nodes --config FILE.json [OPTIONS]
 
 A node of a database is a CANopen node when its attribute CO_ID is a node-ID;
 CO_DCF names its description, an EDS or DCF file beside the database or at a
@@ -26,8 +27,10 @@ path relative to it. What is wrong with these files is told on standard error,
 FILE:LINE and what was assumed in each line.
 
 Options:
-  --db FILE.dbc      CAN database of the network
-  --channel NUMBER   Channel of the database (default: the lowest)
+  --config FILE.json Take variant, channels and databases from a configuration
+  --db FILE.dbc      CAN database of the network; one more than the configuration's
+  --channel NUMBER   Channel of the database (default: that of the configuration's
+                     generator, else the lowest)
   --can NUMBER=BUS   A CAN channel of the host (default: 1=virtual)
   --json             One JSON document, nothing else
   --variant NAME     Kind of host to be, halvard or tesmond (default: halvard)
@@ -124,34 +127,23 @@ class NodesCommand final : public Command {
  public:
   void AddOptions(CLI::App& app) override;
   std::string Help() const override { return kNodesHelp; }
+  HostTexts* Texts() override { return &mHost; }
   ExitStatus Run() const override;
 
  private:
-  HostOptions Check() const;
-
   HostTexts mHost;
-  std::optional<std::string> mDatabase;
   bool mJson = false;
 };
 
 void NodesCommand::AddOptions(CLI::App& app) {
   mHost.AddOptions(app);
-  app.add_option("--db", mDatabase);
   app.add_flag("--json", mJson);
-}
-
-HostOptions NodesCommand::Check() const {
-  HostOptions options = CheckHost(mHost);
-  if (!mDatabase) return options;
-  options.database = NRuntime::ToPath(*mDatabase);
-  options.databaseChannel = ChooseChannel(mHost.channel, options.channels);
-  return options;
 }
 
 ExitStatus NodesCommand::Run() const {
   Unobserved observer;
   bool quiet = true;
-  Host host(Check(), observer, [&](const std::string& text) {
+  Host host(CheckHost(mHost), observer, [&](const std::string& text) {
     quiet = false;
     Complain(text);
   });

@@ -8,6 +8,7 @@
 #include <stdexcept>
 
 #include "host/bench/commands.h"
+#include "host/bench/config.h"
 #include "host/bench/describe_options.h"
 #include "host/bench/nmt.h"
 #include "host/bench/nodes.h"
@@ -20,7 +21,6 @@
 namespace NBench {
 namespace {
 
-constexpr std::uint32_t kLastChannel = 255;
 constexpr double kLongestRun_s = 1e8;
 
 struct CommandRow {
@@ -38,6 +38,7 @@ constexpr CommandRow kCommands[] = {
     {"commands", "", "List the commands that the module registers", MakeCommandsCommand},
     {"nodes", "--db FILE.dbc", "List the CANopen nodes of a network's database", MakeNodesCommand},
     {"describe", "FILE.eds", "Print the object dictionary of a device description", MakeDescribeCommand},
+    {"config", "ACTION FILE", "Make, check or print a configuration", MakeConfigCommand},
     {"serve", "", "Let other programs use buses over the network", MakeServeCommand},
 };
 
@@ -50,6 +51,7 @@ Commands:
 
 constexpr char kHelpFoot[] = R"(
 Options:
+  --config FILE   Configuration for the command, which takes it behind its name too
   -h, --help      Print this help; behind a command, the help of that command
   --version       Print the version
 
@@ -66,34 +68,6 @@ std::string Help() {
     text += line + row.summary + '\n';
   }
   return text + kHelpFoot;
-}
-
-NSdk::HostVariant ParseVariant(const std::string& text) {
-  if (text == "halvard") return NSdk::kHostHalvard;
-  if (text == "tesmond") return NSdk::kHostTesmond;
-  Refuse("--variant", text, "halvard or tesmond is wanted");
-}
-
-ChannelOption ParseChannel(const std::string& text) {
-  const std::size_t equals = text.find('=');
-  const auto number = ParseNumber(text.substr(0, equals), 1, kLastChannel);
-  if (equals == std::string::npos || !number) {
-    Refuse("--can", text, "NUMBER=BUS is wanted, with a channel number from " + Range(1, kLastChannel));
-  }
-  return {*number, text.substr(equals + 1)};
-}
-
-// Two devices of one node-ID would answer each other's requests.
-std::vector<DeviceOption> ParseDevices(const std::vector<std::string>& texts, std::uint32_t channel) {
-  std::vector<DeviceOption> devices;
-  for (const std::string& text : texts) {
-    NDevices::DeviceWord word = NDevices::ParseDeviceWord(text);
-    for (const DeviceOption& other : devices) {
-      if (other.device.nodeId == word.nodeId) Refuse("--device", text, "this node-ID is given twice");
-    }
-    devices.push_back({channel, std::move(word)});
-  }
-  return devices;
 }
 
 // A command that the library knows, and what it becomes.
@@ -120,6 +94,13 @@ std::string Fault(const CLI::ParseError& error) {
   const bool missing =
       dynamic_cast<const CLI::ArgumentMismatch*>(&error) && text.find("missing") != std::string::npos;
   return missing ? text.substr(0, text.find(':')) + ": a value is wanted behind it" : text;
+}
+
+void UseConfiguration(const std::string& file, const KnownCommand& chosen) {
+  HostTexts* const host = chosen.command->Texts();
+  if (!host) Refuse("--config", file, chosen.app->get_name() + " is not a command for a configuration");
+  if (host->configuration) Refuse("--config", file, "a configuration is named twice");
+  host->configuration = file;
 }
 
 }  // namespace
@@ -151,60 +132,13 @@ std::chrono::nanoseconds ParseSeconds(const std::string& text) {
   return std::max(std::chrono::nanoseconds(1), std::chrono::nanoseconds(std::llround(seconds * 1e9)));
 }
 
-std::vector<ChannelOption> ParseChannels(const std::vector<std::string>& texts) {
-  if (texts.empty()) return {{1, "virtual"}};
-  std::vector<ChannelOption> channels;
-  for (const std::string& text : texts) {
-    ChannelOption channel = ParseChannel(text);
-    const auto same = [&](const ChannelOption& other) { return other.number == channel.number; };
-    if (std::any_of(channels.begin(), channels.end(), same)) {
-      Refuse("--can", text, "channel " + std::to_string(channel.number) + " is given twice");
-    }
-    channels.push_back(std::move(channel));
-  }
-  return channels;
-}
-
-std::uint32_t ChooseChannel(const std::optional<std::string>& text,
-                            const std::vector<ChannelOption>& channels) {
-  std::string known;
-  std::uint32_t lowest = channels.front().number;
-  const auto wanted = text ? ParseNumber(*text, 1, kLastChannel) : std::nullopt;
-  for (const ChannelOption& channel : channels) {
-    if (wanted && channel.number == *wanted) return *wanted;
-    lowest = std::min(lowest, channel.number);
-    known += (known.empty() ? "" : ", ") + std::to_string(channel.number);
-  }
-  if (text) {
-    Refuse("--channel", *text,
-           "there is no such CAN channel (" + std::string(channels.size() > 1 ? "channels: " : "channel: ") +
-               known + ")");
-  }
-  return lowest;
-}
-
-void HostTexts::AddOptions(CLI::App& app) {
-  app.add_option("--can", channels)->allow_extra_args(false);
-  app.add_option("--device", devices)->allow_extra_args(false);
-  app.add_option("--channel", channel);
-  app.add_option("--variant", variant);
-  app.add_option("--module", module);
-}
-
-HostOptions CheckHost(const HostTexts& texts) {
-  HostOptions options;
-  options.channels = ParseChannels(texts.channels);
-  options.devices = ParseDevices(texts.devices, ChooseChannel(texts.channel, options.channels));
-  options.variant = ParseVariant(texts.variant);
-  if (texts.module) options.module = NRuntime::ToPath(*texts.module);
-  return options;
-}
-
 CommandLine ParseCommandLine(const std::vector<std::string>& arguments) {
   CLI::App app("", "ostrel-bench");
   app.set_version_flag("--version", "ostrel-bench " OSTREL_VERSION "\n");
   app.allow_windows_style_options(false);  // "/folder/file.seq" is a file on Windows too
   app.require_subcommand(0, 1);
+  std::optional<std::string> configuration;
+  app.add_option("--config", configuration);
   std::vector<KnownCommand> commands = AddCommands(app);
   const auto chosen = [&] {
     return std::find_if(commands.begin(), commands.end(),
@@ -222,6 +156,7 @@ CommandLine ParseCommandLine(const std::vector<std::string>& arguments) {
   if (chosen() == commands.end()) {
     throw std::runtime_error("a command is wanted; ostrel-bench --help lists them");
   }
+  if (configuration) UseConfiguration(*configuration, *chosen());
   return {std::move(chosen()->command), {}};
 }
 

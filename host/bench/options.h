@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "host/bench/host.h"
+#include "host/bench/host_texts.h"
 
 namespace CLI {
 class App;
@@ -31,6 +31,8 @@ class Command {
   /// Declares its options. What they are set to is kept in the command.
   virtual void AddOptions(CLI::App& app) = 0;
   virtual std::string Help() const = 0;
+  /// Where the options of its host are kept; null: it has none.
+  virtual HostTexts* Texts() { return nullptr; }
   /// Checks what the options were set to, then does what they ask for. Throws std::runtime_error, one line,
   /// for bad input: nothing was transmitted then, and no file is left behind.
   virtual ExitStatus Run() const = 0;
@@ -45,22 +47,6 @@ struct CommandLine {
 /// the argument at fault.
 CommandLine ParseCommandLine(const std::vector<std::string>& arguments);
 
-/// The options of a host as text, before anything is checked.
-struct HostTexts {
-  std::vector<std::string> channels, devices;
-  std::optional<std::string> channel, module;
-  std::string variant = "halvard";
-
-  /// --can, --channel, --device, --variant and --module.
-  void AddOptions(CLI::App& app);
-};
-
-/// Each of these throws std::runtime_error, one line that names the option and its value.
-HostOptions CheckHost(const HostTexts& texts);
-std::vector<ChannelOption> ParseChannels(const std::vector<std::string>& texts);
-/// The channel that is asked for, else the lowest.
-std::uint32_t ChooseChannel(const std::optional<std::string>& text,
-                            const std::vector<ChannelOption>& channels);
 /// The value of --for.
 std::chrono::nanoseconds ParseSeconds(const std::string& text);
 

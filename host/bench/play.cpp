@@ -18,12 +18,10 @@ namespace {
 
 constexpr NRuntime::Time kStatusPeriod = std::chrono::milliseconds(200);
 
-NRuntime::Settings GeneratorSettings(const PlayOptions& options) {
-  return {{L"Name", L"Generator"},
-          {L"SvcDelay", std::to_wstring(options.delay_ms)},
-          {L"SDOTimeout", L"5000"},
-          {L"SDOBlockSize", L"10"},
-          {L"CANChannel", std::to_wstring(options.channel)}};
+NRuntime::Settings BlockSettings(const PlayOptions& options) {
+  NRuntime::Settings settings = GeneratorSettings(options.host);
+  if (options.delay_ms) settings.Set(L"SvcDelay", std::to_wstring(*options.delay_ms));
+  return settings;
 }
 
 std::string OneLine(std::string text) {
@@ -49,6 +47,7 @@ class Player final : private NRuntime::MeasurementObserver, private GeneratorLis
   void OnNodesChanged(NRuntime::Time time);
   void OnModuleMessage(const std::string& text);
 
+  void LoadSequence();
   void OpenLog();
   void Start();
   std::vector<NRuntime::ComPtr<IUnknown>> Blocks() const;
@@ -77,8 +76,9 @@ class Player final : private NRuntime::MeasurementObserver, private GeneratorLis
   SdoObserver mTransfers;
   std::optional<NBuses::LogWriter> mLog;
   std::chrono::nanoseconds mStart_utc{};
-  std::string mFailedItem;    // until the message comes that says why
-  bool mCyclicAsked = false;  // by the user, and there is something to send
+  std::string mFailedItem;            // until the message comes that says why
+  std::string* mLoadFault = nullptr;  // where the message goes that a sequence cannot be loaded
+  bool mCyclicAsked = false;          // by the user, and there is something to send
   bool mLogsEnded = false;
   bool mEndedByUser = false;
   bool mWaitsForFrames = false;  // nothing more is sent, but a slow bus has not taken all of it
@@ -87,14 +87,24 @@ class Player final : private NRuntime::MeasurementObserver, private GeneratorLis
 Player::Player(const PlayOptions& options)
     : mOptions(options),
       mHost(options.host, *this, [this](const std::string& text) { OnModuleMessage(text); }),
-      mGenerator(mHost.Application(), mHost.Setup(), GeneratorSettings(options), *this),
+      mGenerator(mHost.Application(), mHost.Setup(), BlockSettings(options), *this),
       mScan(options.scan
                 ? std::make_unique<NodeScan>(mHost, [this](NRuntime::Time time) { OnNodesChanged(time); })
                 : nullptr),
       mFoot(options.liveTable ? stdout : stderr),
       mReport(options.json ? MakeJsonReport() : MakeTextReport(options.view)) {
-  mGenerator.LoadSequence(options.sequence);
+  LoadSequence();
   mTally.itemsToSend = mGenerator.CountEnabled(NSdk::kSequenceList);
+}
+
+void Player::LoadSequence() {
+  if (mOptions.sequence) return mGenerator.LoadSequence(*mOptions.sequence);
+  std::string fault = "its generator remembers no sequence file";
+  mLoadFault = &fault;
+  const bool loaded = mGenerator.ReloadSequence();
+  mLoadFault = nullptr;
+  if (!loaded)
+    throw std::runtime_error(NRuntime::PathText(mOptions.host.configuration) + ": " + OneLine(fault));
 }
 
 ExitStatus Player::Run() {
@@ -110,7 +120,7 @@ ExitStatus Player::Run() {
 void Player::OpenLog() {
   if (!mOptions.log) return;
   std::error_code ignored;
-  if (std::filesystem::equivalent(*mOptions.log, mOptions.sequence, ignored)) {
+  if (std::filesystem::equivalent(*mOptions.log, mGenerator.SequenceFile(), ignored)) {
     throw std::runtime_error("log " + NRuntime::PathText(*mOptions.log) + ": this is the file to be played");
   }
   mLog.emplace(*mOptions.log);
@@ -269,6 +279,10 @@ void Player::OnTransferEnded(NSdk::GeneratorList list, std::uint32_t position, s
 }
 
 void Player::OnModuleMessage(const std::string& text) {
+  if (mLoadFault) {
+    *mLoadFault = text;
+    return;
+  }
   AddError(text);
   EndWhenIdle();
 }

@@ -2,10 +2,13 @@
 
 #include <CLI/CLI.hpp>
 
+#include <stdexcept>
+
 #include "host/bench/console.h"
 #include "host/bench/play.h"
 #include "host/buses/bus_factory.h"
 #include "host/runtime/text.h"
+#include "sdk/class_ids.h"
 
 namespace NBench {
 namespace {
@@ -15,21 +18,29 @@ constexpr std::uint32_t kLongestDelay_ms = 100000;
 constexpr char kPlayHelp[] = R"(Plays a sequence file through the module's generator on a CAN bus.
 
 Usage: ostrel-bench play FILE.seq [OPTIONS]
+       ostrel-bench play --config FILE.json [FILE.seq] [OPTIONS]
 
-The run ends with the sequence. With --cyclic it goes on until Ctrl+C, or until
+With a configuration alone, the sequence that its first generator block
+remembers is played. The run ends with the sequence. With --cyclic it goes on until Ctrl+C, or until
 the sequence has stopped the cyclic list. With --for it lasts the time given.
 
 What is sent, and how:
+  --config FILE.json Take channels, devices, databases and the generator's settings
+                     from a configuration; options replace what it says, --device
+                     and --db add to it
   --can NUMBER=BUS   Put CAN channel NUMBER on a bus; may be given several times
                      (default: 1=virtual)
-  --channel NUMBER   Channel on which the generator sends (default: the lowest)
+  --channel NUMBER   Channel on which the generator sends (default: the
+                     configuration's, else the lowest)
   --cyclic           Send the cyclic list too, from the beginning
   --for SECONDS      Run for this long
-  --delay MS         Pause between two items, 1 to 100000 (default: 10)
+  --delay MS         Pause between two items, 1 to 100000 (default: the
+                     configuration's, else 10)
   --device NODE[:FILE]
                      Put a simulated CANopen device on the generator's bus, an I/O
                      device or the one that an EDS or DCF describes; may be given
                      several times
+  --db FILE.dbc      CAN database of the generator's channel
   --variant NAME     Kind of host to be, halvard or tesmond (default: halvard)
   --module PATH      Module to load (default: Ostrel.hpi beside this program)
 
@@ -66,6 +77,8 @@ Examples:
       Against a simulated device, its SDO transfers in words.
   ostrel-bench play first-steps.seq --device 5 --transfers --scan
       What becomes of the nodes meanwhile.
+  ostrel-bench play --config plant.json
+      What a configuration holds.
   ostrel-bench play first-steps.seq --json > frames.json
       For a script.
 )";
@@ -77,22 +90,23 @@ class PlayCommand final : public Command {
     return kPlayHelp + NBuses::DescribeBusKinds() + kPlayFaults + NDevices::DescribeDeviceOptions() +
            kPlayFooter;
   }
+  HostTexts* Texts() override { return &mHost; }
   ExitStatus Run() const override { return Play(Check()); }
 
  private:
   PlayOptions Check() const;
+  std::uint32_t CheckDelay() const;
   void ChooseView(PlayOptions& options) const;
 
   // The options as text, before anything is checked.
   HostTexts mHost;
-  std::string mSequence, mDelay = "10";
-  std::optional<std::string> mDuration, mLog;
+  std::optional<std::string> mSequence, mDelay, mDuration, mLog;
   bool mCyclic = false, mJson = false;
   bool mFrames = false, mTransfers = false, mTimes = false, mWords = false, mScan = false;
 };
 
 void PlayCommand::AddOptions(CLI::App& app) {
-  app.add_option("FILE.seq", mSequence)->required();
+  app.add_option("FILE.seq", mSequence);
   mHost.AddOptions(app);
   app.add_flag("--cyclic", mCyclic);
   app.add_option("--for", mDuration);
@@ -108,20 +122,28 @@ void PlayCommand::AddOptions(CLI::App& app) {
 
 PlayOptions PlayCommand::Check() const {
   PlayOptions options;
-  options.sequence = NRuntime::ToPath(mSequence);
+  if (!mSequence && !mHost.configuration) throw std::runtime_error("FILE.seq is wanted, or --config");
   options.host = CheckHost(mHost);
-  options.channel = ChooseChannel(mHost.channel, options.host.channels);
+  if (mSequence) {
+    options.sequence = NRuntime::ToPath(*mSequence);
+  } else if (!options.host.FindBlock(NSdk::kProgIdCANopenIG)) {
+    throw std::runtime_error(*mHost.configuration + ": there is no generator block; FILE.seq is wanted");
+  }
   options.cyclic = mCyclic;
   options.json = mJson;
   ChooseView(options);
-  const auto delay = ParseNumber(mDelay, 1, kLongestDelay_ms);
-  if (!delay) {
-    Refuse("--delay", mDelay, "a number of milliseconds from " + Range(1, kLongestDelay_ms) + " is wanted");
-  }
-  options.delay_ms = *delay;
+  if (mDelay) options.delay_ms = CheckDelay();
   if (mDuration) options.duration = ParseSeconds(*mDuration);
-  if (mLog) options.log = NRuntime::ToPath(*mLog);
+  if (mLog) options.log = CheckLog(*mLog, options.host);
   return options;
+}
+
+std::uint32_t PlayCommand::CheckDelay() const {
+  const auto delay = ParseNumber(*mDelay, 1, kLongestDelay_ms);
+  if (!delay) {
+    Refuse("--delay", *mDelay, "a number of milliseconds from " + Range(1, kLongestDelay_ms) + " is wanted");
+  }
+  return *delay;
 }
 
 // A program that reads the output expects frames alone; a person sees the transfers as well, or the table of

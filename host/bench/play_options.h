@@ -14,12 +14,12 @@ namespace NBench {
 
 /// What `ostrel-bench play` is asked to do.
 struct PlayOptions {
-  std::filesystem::path sequence;
-  HostOptions host;           ///< at least one channel
-  std::uint32_t channel = 0;  ///< one of the host's
+  std::optional<std::filesystem::path>
+      sequence;      ///< empty: the one that the configuration's generator remembers
+  HostOptions host;  ///< at least one channel
   bool cyclic = false;
   std::optional<std::chrono::nanoseconds> duration;  ///< empty: until nothing is left to send
-  std::uint32_t delay_ms = 10;
+  std::optional<std::uint32_t> delay_ms;             ///< empty: the generator's own
   std::optional<std::filesystem::path> log;
   bool json = false;
   bool scan = false;       ///< list the nodes as well

@@ -4,7 +4,6 @@
 
 #include "host/bench/scan.h"
 #include "host/buses/bus_factory.h"
-#include "host/runtime/text.h"
 
 namespace NBench {
 namespace {
@@ -20,6 +19,8 @@ it. A node is listed once it has sent something of its own. Its name, profile,
 vendor-ID and serial number are shown once somebody on the bus has read them.
 
 What is heard, and for how long:
+  --config FILE.json Take channels, devices and databases from a configuration;
+                     options replace what it says, --device and --db add to it
   --can NUMBER=BUS   Put CAN channel NUMBER on a bus; may be given several times
                      (default: 1=virtual)
   --for SECONDS      Listen for this long (default: until Ctrl+C, or until the
@@ -29,7 +30,8 @@ What is heard, and for how long:
                      one that an EDS or DCF describes; may be given several times
   --db FILE.dbc      CAN database of the network: it names nodes that have not told
                      their own name (attribute CO_ID)
-  --channel NUMBER   Channel of the devices and the database (default: the lowest)
+  --channel NUMBER   Channel of what --device and --db add (default: that of the
+                     configuration's generator, else the lowest)
   --variant NAME     Kind of host to be, halvard or tesmond (default: halvard)
   --module PATH      Module to load (default: Ostrel.hpi beside this program)
 
@@ -59,6 +61,7 @@ class ScanCommand final : public Command {
  public:
   void AddOptions(CLI::App& app) override;
   std::string Help() const override { return kScanHelp + NBuses::DescribeBusKinds() + kScanFooter; }
+  HostTexts* Texts() override { return &mHost; }
   ExitStatus Run() const override { return Scan(Check()); }
 
  private:
@@ -66,7 +69,7 @@ class ScanCommand final : public Command {
 
   // The options as text, before anything is checked.
   HostTexts mHost;
-  std::optional<std::string> mDuration, mLog, mDatabase;
+  std::optional<std::string> mDuration, mLog;
   bool mJson = false;
 };
 
@@ -74,7 +77,6 @@ void ScanCommand::AddOptions(CLI::App& app) {
   mHost.AddOptions(app);
   app.add_option("--for", mDuration);
   app.add_option("--log", mLog);
-  app.add_option("--db", mDatabase);
   app.add_flag("--json", mJson);
 }
 
@@ -82,12 +84,8 @@ ScanOptions ScanCommand::Check() const {
   ScanOptions options;
   options.host = CheckHost(mHost);
   options.json = mJson;
-  if (mDatabase) {
-    options.host.database = NRuntime::ToPath(*mDatabase);
-    options.host.databaseChannel = ChooseChannel(mHost.channel, options.host.channels);
-  }
   if (mDuration) options.duration = ParseSeconds(*mDuration);
-  if (mLog) options.log = NRuntime::ToPath(*mLog);
+  if (mLog) options.log = CheckLog(*mLog, options.host);
   return options;
 }
 

@@ -13,12 +13,15 @@ Usage: ostrel-bench serve [OPTIONS]
 Clients speak the raw mode of socketcand; python-can and ostrel-bench itself do.
 CAN channel 1 is called can1 there. The server goes on until Ctrl+C.
 
+  --config FILE.json Take channels and devices from a configuration; --can replaces
+                     or adds a channel, --device a device
   --can NUMBER=BUS   Put CAN channel NUMBER on a bus; may be given several times
                      (default: 1=virtual). Clients may also use the name of BUS
   --device NODE[:FILE]
                      Put a simulated CANopen device on a bus, an I/O device or the
                      one that an EDS or DCF describes; may be given several times
-  --channel NUMBER   Channel whose bus gets the devices (default: the lowest)
+  --channel NUMBER   Channel whose bus gets the devices of --device (default: that
+                     of the configuration's generator, else the lowest)
   --listen ADDR:PORT Where to listen (default: 127.0.0.1:29536, which only this
                      machine reaches). Whoever reaches it controls the buses
   --for SECONDS      Serve for this long
@@ -47,6 +50,7 @@ class ServeCommand final : public Command {
     return kServeHelp + NBuses::DescribeBusKinds() + kServeFaults + NDevices::DescribeDeviceOptions() +
            kServeFooter;
   }
+  HostTexts* Texts() override { return &mHost; }
   ExitStatus Run() const override { return Serve(Check()); }
 
  private:
@@ -59,9 +63,7 @@ class ServeCommand final : public Command {
 
 // The server has no module, nor what belongs to one.
 void ServeCommand::AddOptions(CLI::App& app) {
-  app.add_option("--can", mHost.channels)->allow_extra_args(false);
-  app.add_option("--device", mHost.devices)->allow_extra_args(false);
-  app.add_option("--channel", mHost.channel);
+  mHost.AddBusOptions(app);
   app.add_option("--listen", mAddress);
   app.add_option("--for", mDuration);
 }

@@ -2,11 +2,16 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
+
 #include "host/bench/console.h"
+#include "host/bench/generator_block.h"
 #include "host/bench/interrupts.h"
 #include "host/bench/shell_commands.h"
 #include "host/buses/bus_factory.h"
+#include "host/configuration/document_paths.h"
 #include "host/runtime/text.h"
+#include "sdk/class_ids.h"
 
 namespace NBench {
 namespace {
@@ -22,10 +27,13 @@ An error stops a script, and its line is named; at a terminal the shell goes on.
 ends what a command waits for, or drops the line; Ctrl+D leaves.
 
 Options:
+  --config FILE.json Take channels, devices, databases and generators from a
+                     configuration; options replace what it says, --device and
+                     --db add to it
   --can NUMBER=BUS   Put CAN channel NUMBER on a bus; may be given several times
                      (default: 1=virtual)
-  --channel NUMBER   Channel of the generator, of the devices and of the database
-                     (default: the lowest)
+  --channel NUMBER   Channel of the first generator and of what --device and --db
+                     add (default: the configuration's, else the lowest)
   --device NODE[:FILE]
                      Put a simulated CANopen device on that bus, an I/O device or
                      the one that an EDS or DCF describes; may be given several times
@@ -47,6 +55,41 @@ Examples:
   sleep 1
   table' | ostrel-bench shell --device 5
 )";
+
+// Keys and values as a configuration in a folder has them. The block has told the way from the folder that
+// the session began in.
+std::vector<NConfiguration::Block::Setting> SavedSettings(const NRuntime::Settings& settings,
+                                                          const std::filesystem::path& folder) {
+  std::vector<NConfiguration::Block::Setting> saved;
+  const std::wstring* const sequence = settings.Find(L"LastCOIGSequenceAbs");
+  for (const auto& [key, value] : settings.Entries()) {
+    saved.emplace_back(NRuntime::ToUtf8(key), NRuntime::ToUtf8(value));
+    if (key != L"LastCOIGSequenceRel" || !sequence || sequence->empty()) continue;
+    const std::filesystem::path file = NRuntime::ToPath(NRuntime::ToUtf8(*sequence));
+    saved.back().second = NRuntime::PathText(file.lexically_relative(folder));
+  }
+  return saved;
+}
+
+// The configuration that the session came from, with the generators as they are now.
+void SaveSession(const ShellSession& session, const std::filesystem::path& from,
+                 const std::filesystem::path& file) {
+  const std::filesystem::path folder = NConfiguration::FolderOf(file);
+  NConfiguration::Document document =
+      NConfiguration::Moved(NConfiguration::Load(from), NConfiguration::FolderOf(from), folder);
+  std::vector<NConfiguration::Block>& blocks = document.blocks;
+  auto next = blocks.begin();
+  const auto isGenerator = [](const NConfiguration::Block& block) {
+    return block.progId == NSdk::kProgIdCANopenIG;
+  };
+  for (const NRuntime::Settings& settings : session.Settings()) {
+    next = std::find_if(next, blocks.end(), isGenerator);
+    if (next == blocks.end()) next = blocks.insert(next, {NSdk::kProgIdCANopenIG});
+    next->settings = SavedSettings(settings, folder);
+    ++next;
+  }
+  NConfiguration::Save(document, file);
+}
 
 struct Input {
   std::optional<std::filesystem::path> script;
@@ -88,6 +131,10 @@ Runner::Runner(const ShellOptions& options, const Input& input)
                   }),
       mShell{mSession, [this](const std::string& text) { Print(text); }, {}} {
   mSource = MakeSource(input);
+  if (options.host.configuration.empty()) return;
+  mShell.save = [this, from = options.host.configuration](const std::optional<std::filesystem::path>& file) {
+    SaveSession(mSession, from, file.value_or(from));
+  };
 }
 
 std::unique_ptr<LineSource> Runner::MakeSource(const Input& input) {
@@ -157,31 +204,28 @@ class ShellCommand final : public Command {
  public:
   void AddOptions(CLI::App& app) override;
   std::string Help() const override { return kShellHelp + NBuses::DescribeBusKinds() + kShellFooter; }
+  HostTexts* Texts() override { return &mHost; }
   ExitStatus Run() const override;
 
  private:
   ShellOptions Check() const;
 
   HostTexts mHost;
-  std::optional<std::string> mScript, mDatabase;
+  std::optional<std::string> mScript;
 };
 
 void ShellCommand::AddOptions(CLI::App& app) {
   mHost.AddOptions(app);
   app.add_option("SCRIPT", mScript);
-  app.add_option("--db", mDatabase);
 }
 
 ShellOptions ShellCommand::Check() const {
   ShellOptions options;
   options.host = CheckHost(mHost);
-  const std::uint32_t channel = ChooseChannel(mHost.channel, options.host.channels);
-  if (mDatabase) {
-    options.host.database = NRuntime::ToPath(*mDatabase);
-    options.host.databaseChannel = channel;
+  for (const NRuntime::Settings& settings : AllGeneratorSettings(options.host)) {
+    const std::wstring* const name = settings.Find(L"Name");
+    options.generators.push_back({name ? NRuntime::ToUtf8(*name) : "Generator", settings});
   }
-  options.generators.push_back(
-      {"Generator", {{L"Name", L"Generator"}, {L"CANChannel", std::to_wstring(channel)}}});
   return options;
 }
 

@@ -72,6 +72,9 @@ struct Document {
   std::vector<Block> blocks{};
   std::optional<Window> window{};  ///< of the host itself
 
+  /// The first block of a kind; null: there is none.
+  const Block* FindBlock(const std::string& progId) const;
+
   bool operator==(const Document&) const = default;
 };
 

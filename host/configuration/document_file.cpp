@@ -94,6 +94,12 @@ const std::string* Block::Find(const std::string& key) const {
   return found == settings.end() ? nullptr : &found->second;
 }
 
+const Block* Document::FindBlock(const std::string& progId) const {
+  const auto found =
+      std::find_if(blocks.begin(), blocks.end(), [&](const Block& block) { return block.progId == progId; });
+  return found == blocks.end() ? nullptr : &*found;
+}
+
 LoadedDocument Inspect(const std::filesystem::path& file) {
   const std::string name = NRuntime::PathText(file);
   const NRuntime::FileText read = NRuntime::ReadFileBytes(file, kLargestFile);
