@@ -100,6 +100,9 @@ struct Input {
 class Runner {
  public:
   Runner(const ShellOptions& options, const Input& input);
+  ~Runner() { mSource.reset(); }  // it waits on the loop of the session
+  Runner(const Runner&) = delete;
+  Runner& operator=(const Runner&) = delete;
   ExitStatus Run();
 
  private:
