@@ -14,17 +14,21 @@ function(ostrel_library name)
   target_link_libraries(${name} PUBLIC ostrel_compile ${ARG_LINKS})
 endfunction()
 
-# ostrel_test(NAME [PREFIX TEXT] SOURCES ... [LINKS ...]): a GoogleTest program; each of its tests is one CTest test, whose
-# name PREFIX precedes.
+# ostrel_test(NAME [PREFIX TEXT] [LOCK NAME] SOURCES ... [LINKS ...]): a GoogleTest program; each of its tests is one CTest
+# test, whose name PREFIX precedes. Tests with the same LOCK never run side by side.
 function(ostrel_test name)
-  cmake_parse_arguments(ARG "" "PREFIX" "SOURCES;LINKS" ${ARGN})
+  cmake_parse_arguments(ARG "" "PREFIX;LOCK" "SOURCES;LINKS" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE ostrel_compile ${ARG_LINKS} GTest::gmock GTest::gtest_main)
   target_compile_definitions(${name} PRIVATE OSTREL_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data"
     OSTREL_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/tests)
+  set(lock "")
+  if(ARG_LOCK)
+    set(lock RESOURCE_LOCK ${ARG_LOCK})
+  endif()
   # Wine on a busy machine takes long to start.
-  gtest_discover_tests(${name} TEST_PREFIX "${ARG_PREFIX}" DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120 PROPERTIES TIMEOUT 120)
+  gtest_discover_tests(${name} TEST_PREFIX "${ARG_PREFIX}" DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120 PROPERTIES TIMEOUT 120 ${lock})
 endfunction()
 
 # ostrel_libraries_beside(TEST LIBRARY...): host libraries that the module looks for beside the program.

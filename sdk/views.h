@@ -23,8 +23,8 @@ struct WindowSize {
 struct IUIEventsEx : IUnknown {
   static constexpr IID kIid = {0x6eafc4f0, 0x41ab, 0x4946, {0x81, 0x24, 0x9d, 0xc7, 0x33, 0x6f, 0xd3, 0x02}};
 
-  /// Makes the window inside the site's parent window. S_FALSE: there is no parent window; E_FAIL: it could
-  /// not be made.
+  /// Makes the window inside the site's parent window and shows it; the host gives it its size. S_FALSE:
+  /// there is no parent window; E_FAIL: it could not be made.
   virtual HRESULT STDMETHODCALLTYPE CreateBlockWindow(IWindowSite* site) = 0;
   virtual HRESULT STDMETHODCALLTYPE DestroyBlockWindow() = 0;
   /// S_FALSE, nothing written: there is no window now.

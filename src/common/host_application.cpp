@@ -29,4 +29,10 @@ void SetHostApplication(NSdk::IHostApplication* application) { Slot() = applicat
 
 NCom::ComPtr<NSdk::IHostApplication> HostApplication() { return Slot(); }
 
+bool HasSimulationSetup() {
+  std::uint32_t variant = 0;
+  const auto application = HostApplication();
+  return application && SUCCEEDED(application->GetVariant(&variant)) && variant == NSdk::kHostHalvard;
+}
+
 }  // namespace NCommon

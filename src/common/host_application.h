@@ -12,6 +12,9 @@ void SetHostApplication(NSdk::IHostApplication* application);
 /// Empty while no host has initialised the plug-in object.
 NCom::ComPtr<NSdk::IHostApplication> HostApplication();
 
+/// Whether the host has a simulation setup, and with it networks that give their blocks a CAN channel.
+bool HasSimulationSetup();
+
 /// A service of the host by its interface; empty when there is no host or it has no such service.
 template <class Service>
 NCom::ComPtr<Service> HostService() {

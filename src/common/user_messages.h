@@ -15,4 +15,7 @@ void ShowUserMessage(const std::wstring& text, NSdk::MessageIcon icon);
 /// no windows.
 void ShowOwnMessage(const std::wstring& title, const std::wstring& text, NSdk::MessageIcon icon);
 
+/// Whether the module makes windows here: dialogs, block windows, menus.
+bool HasWindows();
+
 }  // namespace NCommon

@@ -9,4 +9,6 @@ void ShowOwnMessage(const std::wstring& title, const std::wstring& text, NSdk::M
   std::fprintf(stderr, "%s: %s\n", ToItemText(title).c_str(), ToItemText(text).c_str());
 }
 
+bool HasWindows() { return false; }
+
 }  // namespace NCommon

@@ -23,4 +23,6 @@ void ShowOwnMessage(const std::wstring& title, const std::wstring& text, NSdk::M
   MessageBoxW(GetActiveWindow(), text.c_str(), title.c_str(), MB_OK | BoxIcon(icon));
 }
 
+bool HasWindows() { return true; }
+
 }  // namespace NCommon

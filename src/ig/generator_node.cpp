@@ -13,6 +13,7 @@
 #include "common/user_messages.h"
 #include "ig/live_blocks.h"
 #include "ig/sequence_file.h"
+#include "ig/settings_dialog.h"
 #include "resources/resource_ids.h"
 #include "resources/text.h"
 #include "sdk/class_ids.h"
@@ -75,6 +76,14 @@ const std::vector<NSdo::DatabaseNode>& ZCANopenIGNode::DatabaseNodes() {
   mDatabaseNodes.clear();
   NSdo::BuildDatabaseNodeList(mNodesChannel, mDatabaseNodes);
   return mDatabaseNodes;
+}
+
+HRESULT ZCANopenIGNode::QueryInterface(REFIID iid, void** object) {
+  if (!object || iid != NSdk::IidOf<NSdk::IUIEventsEx>() || NCommon::HasWindows()) {
+    return GeneratorInterfaces::QueryInterface(iid, object);
+  }
+  *object = nullptr;
+  return E_NOINTERFACE;
 }
 
 // ---- the block in the host
@@ -328,6 +337,41 @@ void ZCANopenIGNode::TransferEnded(const ItemPlace& place, const SdoTransferResu
   if (!events) return;
   events->OnTransferEnded(place.list, static_cast<std::uint32_t>(place.position), result.result, result.bytes,
                           result.abortCode);
+}
+
+// ---- windows
+
+// The block is driven through IGenerator; it has no window of its own.
+HRESULT ZCANopenIGNode::CreateBlockWindow(NSdk::IWindowSite*) {
+  NCom::ModuleScope scope;
+  return E_FAIL;
+}
+
+HRESULT ZCANopenIGNode::DestroyBlockWindow() {
+  NCom::ModuleScope scope;
+  return S_OK;
+}
+
+HRESULT ZCANopenIGNode::GetBlockWindow(void** window) {
+  NCom::ModuleScope scope;
+  return window ? S_FALSE : E_POINTER;
+}
+
+HRESULT ZCANopenIGNode::GetSizes(NSdk::WindowSize*, NSdk::WindowSize*) {
+  NCom::ModuleScope scope;
+  return E_FAIL;
+}
+
+// A measurement that runs goes on with the numbers that it was started with.
+HRESULT ZCANopenIGNode::Configure(void* parentWindow) {
+  return NCom::Entry([&]() -> HRESULT {
+    GeneratorNumbers numbers = mSettings.numbers;
+    const HRESULT result = EditSettings(parentWindow, numbers);
+    if (result != S_OK) return result;
+    mSettings.numbers = numbers;
+    if (mSite) mSite->BlockChanged();
+    return S_OK;
+  });
 }
 
 }  // namespace NIg

@@ -9,13 +9,14 @@
 #include "sdk/blocks.h"
 #include "sdk/generator.h"
 #include "sdk/persistence.h"
+#include "sdk/views.h"
 #include "sdo/node_list.h"
 
 namespace NIg {
 
-using GeneratorInterfaces =
-    NCom::Implements<NSdk::IPlugInBlock, NSdk::IMSFinalNode, NSdk::IMSTransferNode, NSdk::IRTClient,
-                     NSdk::ICANEvents, NSdk::ITimerSink, NSdk::IPersistentObject, NSdk::IGenerator>;
+using GeneratorInterfaces = NCom::Implements<NSdk::IPlugInBlock, NSdk::IMSFinalNode, NSdk::IMSTransferNode,
+                                             NSdk::IRTClient, NSdk::ICANEvents, NSdk::ITimerSink,
+                                             NSdk::IPersistentObject, NSdk::IGenerator, NSdk::IUIEventsEx>;
 
 /// ProgID "HarlowPlugIn.CANopenIG": composes CANopen messages and sends them on one CAN channel.
 class ZCANopenIGNode final : public GeneratorInterfaces, private TransmissionObserver {
@@ -32,6 +33,9 @@ class ZCANopenIGNode final : public GeneratorInterfaces, private TransmissionObs
   /// Nodes that the databases of that channel describe, read again when the assignment of databases has
   /// changed.
   const std::vector<NSdo::DatabaseNode>& DatabaseNodes();
+
+  /// Where the module has no windows, the block has no IUIEventsEx.
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override;
 
   // IPlugInBlock
   HRESULT STDMETHODCALLTYPE Attach(NSdk::IBlockSite* site) override;
@@ -68,6 +72,13 @@ class ZCANopenIGNode final : public GeneratorInterfaces, private TransmissionObs
                                            std::uint32_t enabled) override;
   HRESULT STDMETHODCALLTYPE SetEvents(NSdk::IGeneratorEvents* events) override;
   HRESULT STDMETHODCALLTYPE ReloadSequence() override;
+
+  // IUIEventsEx
+  HRESULT STDMETHODCALLTYPE CreateBlockWindow(NSdk::IWindowSite* site) override;
+  HRESULT STDMETHODCALLTYPE DestroyBlockWindow() override;
+  HRESULT STDMETHODCALLTYPE GetBlockWindow(void** window) override;
+  HRESULT STDMETHODCALLTYPE GetSizes(NSdk::WindowSize* preferred, NSdk::WindowSize* minimum) override;
+  HRESULT STDMETHODCALLTYPE Configure(void* parentWindow) override;
 
  private:
   void ItemSent(const ItemPlace& place) override;

@@ -6,6 +6,7 @@
 
 #include "canopen/vocabulary.h"
 #include "common/host_application.h"
+#include "nmt/node_dialog.h"
 #include "resources/resource_ids.h"
 #include "resources/text.h"
 
@@ -31,9 +32,9 @@ void SendToNodes(ZNMTTransmitter& transmitter, std::uint8_t command, std::span<c
   }
 }
 
-bool AskHostForNodes(ZNMTTransmitter& transmitter, std::uint8_t command) {
-  const auto dialogs = NCommon::HostService<NSdk::IUserDialogs>();
-  if (!dialogs) return false;
+namespace {
+
+void AskHostForNodes(NSdk::IUserDialogs& dialogs, ZNMTTransmitter& transmitter, std::uint8_t command) {
   std::vector<DatabaseNode> databaseNodes;
   transmitter.GetDatabaseNodes(databaseNodes);
   std::vector<std::uint8_t> candidates;
@@ -43,13 +44,22 @@ bool AskHostForNodes(ZNMTTransmitter& transmitter, std::uint8_t command) {
   std::vector<std::uint8_t> chosen(candidates.size());
   const std::wstring title = NResources::LoadText(IDS_NMT_SELECTION_TITLE);
   const auto count = static_cast<std::uint32_t>(candidates.size());
-  if (dialogs->SelectNodes(title.c_str(), candidates.data(), count, chosen.data()) != S_OK) return true;
+  if (dialogs.SelectNodes(title.c_str(), candidates.data(), count, chosen.data()) != S_OK) return;
   std::vector<std::uint8_t> picked;
   for (std::size_t position = 0; position < candidates.size(); ++position) {
     if (chosen[position]) picked.push_back(candidates[position]);
   }
   SendToNodes(transmitter, command, picked);
-  return true;
+}
+
+}  // namespace
+
+void AskForNodes(ZNMTTransmitter& transmitter, std::uint8_t command) {
+  if (const auto dialogs = NCommon::HostService<NSdk::IUserDialogs>()) {
+    AskHostForNodes(*dialogs, transmitter, command);
+  } else {
+    ShowNodeDialog(transmitter, command);
+  }
 }
 
 }  // namespace NNmt

@@ -16,8 +16,8 @@ std::vector<DatabaseNode> SelectionRows(std::span<const DatabaseNode> databaseNo
 /// Sends a command to one node after the other, 10 ms apart. Nobody is told of a node that is not there.
 void SendToNodes(ZNMTTransmitter& transmitter, std::uint8_t command, std::span<const std::uint8_t> nodeIds);
 
-/// Lets the host ask its user for nodes and sends the command to them. False: the host does not talk to the
-/// user itself.
-bool AskHostForNodes(ZNMTTransmitter& transmitter, std::uint8_t command);
+/// Lets the user choose nodes and sends the command to them: through the host where it talks to the user
+/// itself (IUserDialogs), else in a dialog of the module.
+void AskForNodes(ZNMTTransmitter& transmitter, std::uint8_t command);
 
 }  // namespace NNmt

@@ -6,14 +6,23 @@
 #include "com/entry.h"
 #include "com/implements.h"
 #include "com/task_text.h"
+#include "common/user_messages.h"
 #include "resources/text.h"
 #include "sdk/commands.h"
 
 namespace NPlugin {
 
-/// A command under its name.
-class ActionBase : public NCom::Implements<NSdk::IAction> {
+/// A command under its name, with a drop-down menu where its class makes one.
+class ActionBase : public NCom::Implements<NSdk::IAction, NSdk::IDropDownCommand> {
  public:
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
+    const bool hidden =
+        iid == NSdk::IidOf<NSdk::IDropDownCommand>() && !(NCommon::HasWindows() && HasDropDown());
+    if (!object || !hidden) return ImplementsWith::QueryInterface(iid, object);
+    *object = nullptr;
+    return E_NOINTERFACE;
+  }
+
   const std::wstring& Name() const { return mName; }
   /// What the state query answers where a class has no rule of its own; an NSdk::CommandState.
   void SetState(std::uint32_t state) { mState = state; }
@@ -25,10 +34,15 @@ class ActionBase : public NCom::Implements<NSdk::IAction> {
     return S_OK;
   }
 
+  HRESULT STDMETHODCALLTYPE GetMenu(std::uint32_t, std::uint32_t, void**) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE ExecuteItem(std::uint32_t, IUnknown*) override { return E_NOTIMPL; }
+
  protected:
   ActionBase(std::wstring name, std::uint32_t state) : mName(std::move(name)), mState(state) {}
 
  private:
+  virtual bool HasDropDown() const { return false; }
+
   std::wstring mName;
   std::uint32_t mState;
 };

@@ -53,4 +53,17 @@ HRESULT ZActionExecBrk::GetState(std::uint32_t* state) { return ToolState(state)
 HRESULT ZActionExecQuillon::Execute(IUnknown*) { return NCom::Entry(StartQuillon); }
 HRESULT ZActionExecQuillon::GetState(std::uint32_t* state) { return ToolState(state); }
 
+HRESULT ZActionCANopenNmtManagement::GetMenu(std::uint32_t firstId, std::uint32_t lastId, void** menu) {
+  return NCom::Entry([&] { return mMenu.MakeForNetworks(firstId, lastId, menu); });
+}
+
+HRESULT ZActionCANopenNmtManagement::ExecuteItem(std::uint32_t id, IUnknown*) {
+  return NCom::Entry([&]() -> HRESULT {
+    const auto item = mMenu.Find(id);
+    if (!item) return E_INVALIDARG;
+    mOwner.SendNmt(item->kind, item->network, item->target);
+    return S_OK;
+  });
+}
+
 }  // namespace NPlugin

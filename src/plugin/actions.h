@@ -2,20 +2,12 @@
 // The plug-in's commands, class by class. Numbers of images are those of the resource script.
 
 #include "plugin/action.h"
+#include "plugin/nmt_menu.h"
 #include "resources/resource_ids.h"
 
 namespace NPlugin {
 
 class ZPlugIn;
-
-/// What an NMT command of the menus does.
-enum class NmtKind : std::uint8_t { Operational = 1, Preoperational = 2, Stop = 3, Reset = 4 };
-
-// Targets of an NMT command beside the node-IDs 1 to 127.
-inline constexpr std::uint8_t kTargetAllNodes = 0;
-inline constexpr std::uint8_t kTargetChosenNodes = 255;
-
-inline constexpr std::uint8_t kNoNetwork = 0;
 
 class ZActionInsertScanner final : public ZAction<ZPlugIn, IDS_SCAN_INSERT, IDS_SCAN_INSERT_TIP, 0, 0, 0, 0> {
  public:
@@ -48,12 +40,19 @@ class ZActionExecQuillon final
   HRESULT STDMETHODCALLTYPE GetState(std::uint32_t* state) override;
 };
 
-/// Carries the drop-down that holds the commands of the networks; does nothing itself.
+/// Carries the drop-down menu with the commands of all networks; does nothing itself.
 class ZActionCANopenNmtManagement final
     : public ZAction<ZPlugIn, IDS_NMT_MANAGEMENT, IDS_NMT_MANAGEMENT, 0, 0, 0, 1> {
  public:
   explicit ZActionCANopenNmtManagement(ZPlugIn& owner) : ZAction(owner, L"CANopen.NetworkManagement") {}
   HRESULT STDMETHODCALLTYPE Execute(IUnknown*) override { return S_OK; }
+  HRESULT STDMETHODCALLTYPE GetMenu(std::uint32_t firstId, std::uint32_t lastId, void** menu) override;
+  HRESULT STDMETHODCALLTYPE ExecuteItem(std::uint32_t id, IUnknown* context) override;
+
+ private:
+  bool HasDropDown() const override { return true; }
+
+  NmtMenu mMenu;
 };
 
 /// A command of the menus that goes to one node, once it has one.
@@ -64,8 +63,8 @@ class NodeSlot {
   virtual void Assign(std::uint8_t network, std::uint8_t nodeId, std::wstring caption) = 0;
 };
 
-/// Sends NMT commands of its kind to a target in a network. For the commands of single nodes network and
-/// target are none until a node is assigned.
+/// Sends NMT commands of its kind to a target in a network; that for all nodes has a drop-down menu with the
+/// choice of others. For the commands of single nodes network and target are none until a node is assigned.
 template <std::uint32_t Caption, std::uint32_t ToolTip, std::uint32_t Bitmap, std::uint32_t SmallIcon,
           std::uint32_t LargeIcon, NmtKind Kind>
 class ZActionCANopenSendMsg final : public ZAction<ZPlugIn, Caption, ToolTip, Bitmap, SmallIcon, LargeIcon,
@@ -78,6 +77,19 @@ class ZActionCANopenSendMsg final : public ZAction<ZPlugIn, Caption, ToolTip, Bi
 
   HRESULT STDMETHODCALLTYPE Execute(IUnknown*) override {
     return NCom::Entry([&] { this->mOwner.SendNmt(Kind, mNetwork, mTarget); });
+  }
+
+  HRESULT STDMETHODCALLTYPE GetMenu(std::uint32_t firstId, std::uint32_t lastId, void** menu) override {
+    return NCom::Entry([&] { return mMenu.MakeForNetwork(Kind, mNetwork, firstId, lastId, menu); });
+  }
+
+  HRESULT STDMETHODCALLTYPE ExecuteItem(std::uint32_t id, IUnknown*) override {
+    return NCom::Entry([&]() -> HRESULT {
+      const auto item = mMenu.Find(id);
+      if (!item) return E_INVALIDARG;
+      this->mOwner.SendNmt(item->kind, item->network, item->target);
+      return S_OK;
+    });
   }
 
   HRESULT STDMETHODCALLTYPE GetCaption(wchar_t** caption) override {
@@ -93,9 +105,12 @@ class ZActionCANopenSendMsg final : public ZAction<ZPlugIn, Caption, ToolTip, Bi
   }
 
  private:
+  bool HasDropDown() const override { return mNetwork != kNoNetwork && mTarget == kTargetAllNodes; }
+
   std::uint8_t mNetwork;  // from 1
   std::uint8_t mTarget;
   std::wstring mCaption;  // of the node; empty: that of the class
+  NmtMenu mMenu;
 };
 
 // The four kinds have the same images wherever they appear; the numbers of the icons of Stop and Reset stand

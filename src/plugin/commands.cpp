@@ -6,7 +6,7 @@ namespace NPlugin {
 namespace {
 
 constexpr wchar_t kGroup[] = L"CANopen";
-constexpr std::size_t kNmtKinds = 4;
+constexpr std::size_t kKinds = std::size(kNmtKinds);
 
 template <class Action, class... Arguments>
 NCom::ComPtr<ActionBase> MakeAction(Arguments&&... arguments) {
@@ -40,7 +40,7 @@ CommandSet::CommandSet(ZPlugIn& owner)
       mInsertScanner(MakeAction<ZActionInsertScanner>(owner)),
       mInsertGenerator(MakeAction<ZActionInsertSeqGenerator>(owner)),
       mNetworkManagement(MakeAction<ZActionCANopenNmtManagement>(owner)),
-      mNodeKinds(kNmtKinds),
+      mNodeKinds(kKinds),
       mAll{mBrackwell, mQuillon, mInsertScanner, mInsertGenerator, mNetworkManagement} {
   for (std::uint8_t network = 1; network <= kNetworks; ++network) AddNetwork(owner, network);
   for (std::uint8_t slot = 1; slot <= kNodeSlots; ++slot) AddNodeSlot(owner, slot);
@@ -69,7 +69,7 @@ void CommandSet::AddNodeSlot(ZPlugIn& owner, std::uint8_t slot) {
       ForNode<ZActionCANopenSendMsgReset>(owner, L"CANopen.Reset", slot),
   };
   mAll.insert(mAll.end(), actions.begin(), actions.end());
-  for (std::size_t kind = 0; kind < kNmtKinds; ++kind) mNodeKinds[kind].push_back(actions[kind]);
+  for (std::size_t kind = 0; kind < kKinds; ++kind) mNodeKinds[kind].push_back(actions[kind]);
 }
 
 void CommandSet::Register(NSdk::ICommandRegistry& registry) {

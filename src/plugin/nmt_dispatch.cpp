@@ -55,12 +55,6 @@ std::vector<HostNetwork> HostNetworks(bool simulated) {
   return setup ? SimulationNetworks(*setup) : std::vector<HostNetwork>();
 }
 
-bool HasSimulationSetup() {
-  std::uint32_t variant = 0;
-  const auto application = NCommon::HostApplication();
-  return application && SUCCEEDED(application->GetVariant(&variant)) && variant == NSdk::kHostHalvard;
-}
-
 std::uint8_t CommandSpecifier(NmtKind kind) {
   switch (kind) {
     case NmtKind::Operational:
@@ -77,7 +71,7 @@ std::uint8_t CommandSpecifier(NmtKind kind) {
 
 // The host has this network, but nothing sends on it.
 void TellThatABlockIsMissing(std::uint8_t network) {
-  const bool simulated = HasSimulationSetup();
+  const bool simulated = NCommon::HasSimulationSetup();
   const std::vector<HostNetwork> networks = HostNetworks(simulated);
   if (network == kNoNetwork || network > networks.size()) return;
   const HostNetwork& wanted = networks[network - 1u];
@@ -91,7 +85,7 @@ void TellThatABlockIsMissing(std::uint8_t network) {
 
 std::vector<ZCONetworkEntry> NetworkEntries() {
   std::vector<ZCONetworkEntry> entries;
-  for (const HostNetwork& network : HostNetworks(HasSimulationSetup())) {
+  for (const HostNetwork& network : HostNetworks(NCommon::HasSimulationSetup())) {
     if (auto block = NIg::FindSender(network.channel)) {
       entries.push_back({network.name, std::move(block), network.channel});
     }
@@ -125,7 +119,7 @@ void DispatchNmt(NmtKind kind, std::uint8_t network, std::uint8_t target) {
   transmitter.Bind(entries[network - 1u].block.Get());
   const std::uint8_t command = CommandSpecifier(kind);
   if (target > kLastNode) {
-    NNmt::AskHostForNodes(transmitter, command);
+    NNmt::AskForNodes(transmitter, command);
   } else {
     const NNmt::NmtRequest request{command, target};
     transmitter.SendCommand(&request);

@@ -10,6 +10,7 @@
 #include "plugin/database_nodes.h"
 #include "plugin/language.h"
 #include "plugin/nmt_dispatch.h"
+#include "plugin/pages.h"
 #include "plugin/version.h"
 #include "resources/resource_ids.h"
 #include "resources/text.h"
@@ -169,10 +170,14 @@ HRESULT ZPlugIn::GetReleaseNotes(wchar_t**) {
 
 // ---- what the host shows
 
-// The page for the bit rate is a window.
+// S_FALSE: no page is added.
 HRESULT ZPlugIn::AddPages(IUnknown* container) {
-  NCom::ModuleScope scope;
-  return container ? S_FALSE : E_POINTER;
+  return NCom::Entry([&]() -> HRESULT {
+    if (!container) return E_POINTER;
+    const auto pages = NCom::QueryFor<NSdk::IPageContainer>(container);
+    const auto page = MakeBaudratePage();
+    return pages && page ? pages->AddPage(page.Get()) : S_FALSE;
+  });
 }
 
 HRESULT ZPlugIn::AddContextCommands(REFIID, NSdk::ICommandList* list, NSdk::ISelectionContext* selection) {

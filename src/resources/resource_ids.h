@@ -84,6 +84,7 @@
 #define IDS_LANGUAGE_MISSING 2042
 #define IDS_NMT_SELECTION_TITLE 2043
 #define IDS_DATABASE_LIBRARY_MISSING 2044
+#define IDS_HELP_MISSING 2045
 
 // Number bases beside the fields of the item editors
 #define IDS_BASE_DEC 2060

@@ -21,10 +21,10 @@ constexpr wchar_t kNameKey[] = L"Name";
 constexpr wchar_t kWindowPosKey[] = L"WindowPos";
 
 // A part of the block; empty where there was no memory for it.
-template <class Part>
-NCom::ComPtr<Part> MakePart() {
+template <class Make>
+auto MakePart(Make make) -> decltype(make()) {
   try {
-    return NCom::Make<Part>();
+    return make();
   } catch (const std::bad_alloc&) {
     return nullptr;
   }
@@ -41,10 +41,31 @@ bool ReadKey(NSdk::IPersistReader& reader, const wchar_t* key, std::wstring& val
 
 ZCANopenScanner::ZCANopenScanner()
     : mName(NResources::LoadText(IDS_SCAN_BLOCK_NAME)),
-      mModel(MakePart<ZCANopenModel>()),
-      mManager(MakePart<NSdo::ZCANopenSDManager>().Get()) {}
+      mModel(MakePart([] { return NCom::Make<ZCANopenModel>(); })),
+      mView(MakePart(MakeScannerWindow)),
+      mManager(MakePart([] { return NCom::Make<NSdo::ZCANopenSDManager>(); }).Get()) {
+  if (!mView) return;
+  mView->SetCaption(mName);
+  if (!mModel) return;
+  mModel->AddObserver(mView.Get());
+  mView->SetModel(mModel);
+}
 
-ZCANopenScanner::~ZCANopenScanner() = default;
+// Model and window hold each other.
+ZCANopenScanner::~ZCANopenScanner() {
+  if (!mView) return;
+  if (mModel) mModel->RemoveObserver(mView.Get());
+  mView->DetachWindow();
+  mView->SetModel(nullptr);
+}
+
+HRESULT ZCANopenScanner::QueryInterface(REFIID iid, void** object) {
+  if (!mView && object && iid == NSdk::IidOf<NSdk::IUIEventsEx>()) {
+    *object = nullptr;
+    return E_NOINTERFACE;
+  }
+  return ScannerInterfaces::QueryInterface(iid, object);
+}
 
 // ---- the block in the host
 
@@ -59,6 +80,7 @@ HRESULT ZCANopenScanner::Attach(NSdk::IBlockSite* site) {
 HRESULT ZCANopenScanner::Detach() {
   return NCom::Entry([&] {
     EndMeasurement();
+    if (mView) mView->DetachWindow();
     mSite.Reset();
   });
 }
@@ -71,6 +93,7 @@ HRESULT ZCANopenScanner::SetName(const wchar_t* name) {
   return NCom::Entry([&]() -> HRESULT {
     if (!name) return E_POINTER;
     mName = name;
+    if (mView) mView->SetCaption(mName);
     return S_OK;
   });
 }
@@ -157,14 +180,15 @@ HRESULT ZCANopenScanner::GetProgId(wchar_t** progId) {
 HRESULT ZCANopenScanner::Load(NSdk::IPersistReader* reader) {
   return NCom::Entry([&] {
     NCom::Require(reader, "reader");
-    ReadKey(*reader, kNameKey, mName);
-    ReadKey(*reader, kWindowPosKey, mWindowPlacement);
+    if (ReadKey(*reader, kNameKey, mName) && mView) mView->SetCaption(mName);
+    if (ReadKey(*reader, kWindowPosKey, mWindowPlacement) && mView) mView->SetPlacement(mWindowPlacement);
   });
 }
 
 HRESULT ZCANopenScanner::Save(NSdk::IPersistWriter* writer) {
   return NCom::Entry([&] {
     NCom::Require(writer, "writer");
+    if (mView) mWindowPlacement = mView->Placement();
     const HRESULT result = writer->WriteText(kNameKey, mName.c_str());
     return FAILED(result) ? result : writer->WriteText(kWindowPosKey, mWindowPlacement.c_str());
   });
@@ -223,6 +247,43 @@ HRESULT ZCANopenScanner::GetRowImage(NSdk::ICANopenNode* node, std::uint32_t* im
 
 HRESULT ZCANopenScanner::GetToolTip(NSdk::ICANopenNode* node, wchar_t** text) {
   return NCom::Entry([&] { return NCom::HandOut(ToolTip(node), text); });
+}
+
+// ---- the window
+
+HRESULT ZCANopenScanner::CreateBlockWindow(NSdk::IWindowSite* site) {
+  NCom::ModuleScope scope;
+  return mView ? mView->AttachWindow(site) : E_FAIL;
+}
+
+HRESULT ZCANopenScanner::DestroyBlockWindow() {
+  NCom::ModuleScope scope;
+  return mView ? mView->DetachWindow() : S_OK;
+}
+
+HRESULT ZCANopenScanner::GetBlockWindow(void** window) {
+  NCom::ModuleScope scope;
+  if (!window) return E_POINTER;
+  void* const handle = mView ? mView->Handle() : nullptr;
+  if (!handle) return S_FALSE;
+  *window = handle;
+  return S_OK;
+}
+
+HRESULT ZCANopenScanner::GetSizes(NSdk::WindowSize* preferred, NSdk::WindowSize* minimum) {
+  return NCom::Entry([&]() -> HRESULT {
+    constexpr NSdk::WindowSize kMinimum = {160, 80};
+    if (!preferred || !minimum) return E_POINTER;
+    if (!mView) return E_FAIL;
+    *preferred = mView->PreferredSize();
+    *minimum = kMinimum;
+    return S_OK;
+  });
+}
+
+HRESULT ZCANopenScanner::Configure(void*) {
+  NCom::ModuleScope scope;
+  return S_FALSE;
 }
 
 }  // namespace NScanner

@@ -6,6 +6,7 @@
 #include "com/com_ptr.h"
 #include "com/implements.h"
 #include "scanner/model.h"
+#include "scanner/scanner_window.h"
 #include "sdk/blocks.h"
 #include "sdk/persistence.h"
 #include "sdk/scanner.h"
@@ -13,9 +14,10 @@
 
 namespace NScanner {
 
-using ScannerInterfaces = NCom::Implements<NSdk::IPlugInBlock, NSdk::IMSFinalNode, NSdk::IRTClient,
-                                           NSdk::ICANEvents, NSdk::ITimerSink, NSdk::IPersistentObject,
-                                           NSdk::ICANopenSDManagerDelegate, NSdk::IScanner>;
+using ScannerInterfaces =
+    NCom::Implements<NSdk::IPlugInBlock, NSdk::IMSFinalNode, NSdk::IRTClient, NSdk::ICANEvents,
+                     NSdk::ITimerSink, NSdk::IPersistentObject, NSdk::ICANopenSDManagerDelegate,
+                     NSdk::IScanner, NSdk::IUIEventsEx>;
 
 /// ProgID "HarlowPlugIn.CANopenScanner": lists the CANopen nodes that it hears on all channels of the
 /// measurement. It sends nothing. Without a part that could not be made, the block works as far as it goes.
@@ -23,6 +25,9 @@ class ZCANopenScanner final : public ScannerInterfaces {
  public:
   ZCANopenScanner();
   ~ZCANopenScanner() override;
+
+  /// Without a window the block has no IUIEventsEx.
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override;
 
   // IPlugInBlock
   HRESULT STDMETHODCALLTYPE Attach(NSdk::IBlockSite* site) override;
@@ -61,6 +66,14 @@ class ZCANopenScanner final : public ScannerInterfaces {
   HRESULT STDMETHODCALLTYPE GetRowImage(NSdk::ICANopenNode* node, std::uint32_t* image) override;
   HRESULT STDMETHODCALLTYPE GetToolTip(NSdk::ICANopenNode* node, wchar_t** text) override;
 
+  // IUIEventsEx
+  HRESULT STDMETHODCALLTYPE CreateBlockWindow(NSdk::IWindowSite* site) override;
+  HRESULT STDMETHODCALLTYPE DestroyBlockWindow() override;
+  HRESULT STDMETHODCALLTYPE GetBlockWindow(void** window) override;
+  HRESULT STDMETHODCALLTYPE GetSizes(NSdk::WindowSize* preferred, NSdk::WindowSize* minimum) override;
+  /// S_FALSE: there is nothing to set.
+  HRESULT STDMETHODCALLTYPE Configure(void* parentWindow) override;
+
  private:
   void SetDelegate(NSdk::ICANopenSDManagerDelegate* delegate);
   void EndMeasurement();
@@ -69,8 +82,9 @@ class ZCANopenScanner final : public ScannerInterfaces {
   NCom::ComPtr<NSdk::IRuntime> mRuntime;  // while a measurement runs
   NCom::ComPtr<NSdk::ITimer> mTimer;      // likewise
   std::wstring mName;
-  std::wstring mWindowPlacement;  // as the configuration keeps it
+  std::wstring mWindowPlacement;  // as the configuration keeps it; where there is a window, it knows better
   NCom::ComPtr<ZCANopenModel> mModel;
+  NCom::ComPtr<ScannerWindow> mView;
   NCom::ComPtr<NSdk::ICANopenSDManager> mManager;
 };
 

@@ -1,0 +1,122 @@
+#include "nmt/win/node_sel_dialog.h"
+
+#include "canopen/vocabulary.h"
+#include "common/win/help.h"
+#include "common/win/list_view.h"
+#include "common/win/resources.h"
+#include "nmt/node_dialog.h"
+#include "nmt/node_selection.h"
+#include "resources/resource_ids.h"
+#include "resources/text.h"
+
+namespace NNmt {
+namespace {
+
+constexpr UINT_PTR kSendTimer = 1;
+
+constexpr unsigned kTopRight = NCommon::kAnchorTop | NCommon::kAnchorRight;
+constexpr unsigned kBottomRight = NCommon::kAnchorBottom | NCommon::kAnchorRight;
+constexpr NCommon::AnchoredControl kAnchored[] = {
+    {IDC_NMT_NODES, NCommon::kAnchorAll},
+    {IDC_NMT_OPERATIONAL, kTopRight},
+    {IDC_NMT_PREOPERATIONAL, kTopRight},
+    {IDC_NMT_STOP, kTopRight},
+    {IDC_NMT_RESET, kTopRight},
+    {IDCANCEL, kBottomRight},
+    {IDHELP, kBottomRight},
+};
+
+// Command specifiers (CiA 301, 7.2.8.3.1).
+constexpr struct {
+  int control;
+  std::uint8_t command;
+} kButtons[] = {
+    {IDC_NMT_OPERATIONAL, 1}, {IDC_NMT_PREOPERATIONAL, 128}, {IDC_NMT_STOP, 2}, {IDC_NMT_RESET, 129}};
+
+}  // namespace
+
+void ShowNodeDialog(ZNMTTransmitter& transmitter, std::uint8_t command) {
+  ZNMTNodeSelDlg(transmitter, command).Show(GetActiveWindow());
+}
+
+ZNMTNodeSelDlg::ZNMTNodeSelDlg(ZNMTTransmitter& transmitter, std::uint8_t defaultCommand)
+    : ZResizeableDialog(IDD_NMT_SELECTION, kAnchored),
+      mTransmitter(transmitter),
+      mDefaultCommand(defaultCommand) {}
+
+bool ZNMTNodeSelDlg::OnInit() {
+  ZResizeableDialog::OnInit();
+  const HICON icon = LoadIconW(NCommon::LibraryOf(RT_GROUP_ICON, IDI_OSTREL), MAKEINTRESOURCEW(IDI_OSTREL));
+  SendMessageW(Window(), WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(icon));
+  SendMessageW(Window(), WM_SETICON, ICON_BIG, reinterpret_cast<LPARAM>(icon));
+  const HWND list = Control(IDC_NMT_NODES);
+  ListView_SetExtendedListViewStyle(list, LVS_EX_FULLROWSELECT | LVS_EX_GRIDLINES);
+  NCommon::AddColumn(list, NResources::LoadText(IDS_NMT_COL_NODE_ID), 90);
+  NCommon::AddColumn(list, NResources::LoadText(IDS_NMT_COL_NODE_NAME), 300);
+  FillList();
+  for (const auto& button : kButtons) {
+    if (button.command == mDefaultCommand) {
+      SendMessageW(Window(), DM_SETDEFID, static_cast<WPARAM>(button.control), 0);
+    }
+  }
+  NCommon::SelectRow(list, 0);
+  SetFocus(list);
+  return false;
+}
+
+void ZNMTNodeSelDlg::FillList() {
+  const HWND list = Control(IDC_NMT_NODES);
+  std::vector<DatabaseNode> databaseNodes;
+  mTransmitter.GetDatabaseNodes(databaseNodes);
+  for (const DatabaseNode& row : SelectionRows(databaseNodes)) {
+    if (!NCanopen::IsNodeId(row.nodeId)) continue;
+    NCommon::AddRow(list, {std::to_wstring(row.nodeId), row.name}, static_cast<LPARAM>(row.nodeId));
+  }
+}
+
+bool ZNMTNodeSelDlg::OnCommand(int id, int) {
+  for (const auto& button : kButtons) {
+    if (button.control == id) {
+      SendToSelected(button.command);
+      return true;
+    }
+  }
+  if (id == IDHELP) NCommon::OpenHelp(Window());
+  if (id == IDCANCEL) Close();
+  return id == IDHELP || id == IDCANCEL;
+}
+
+void ZNMTNodeSelDlg::SendToSelected(std::uint8_t command) {
+  for (const LPARAM nodeId : NCommon::SelectedData(Control(IDC_NMT_NODES))) {
+    mQueue.push_back({command, static_cast<std::uint8_t>(nodeId)});
+  }
+  if (!mSending && !mQueue.empty()) {
+    mSending = SetTimer(Window(), kSendTimer, mDelay_ms, nullptr) != 0;
+    SendNext();
+  }
+}
+
+// The timer goes on for one more turn behind the last command, so that the next one keeps its distance as
+// well.
+void ZNMTNodeSelDlg::OnTimer(UINT_PTR id) {
+  if (id != kSendTimer) return;
+  if (!mQueue.empty()) return SendNext();
+  KillTimer(Window(), kSendTimer);
+  mSending = false;
+  if (mClosing) End(IDCANCEL);
+}
+
+void ZNMTNodeSelDlg::SendNext() {
+  const NmtRequest request = mQueue.front();
+  mQueue.pop_front();
+  mTransmitter.SendCommand(&request);
+}
+
+void ZNMTNodeSelDlg::Close() {
+  if (!mSending || mClosing) return End(IDCANCEL);
+  mClosing = true;
+  SetFocus(Control(IDCANCEL));
+  for (const auto& button : kButtons) EnableWindow(Control(button.control), FALSE);
+}
+
+}  // namespace NNmt
