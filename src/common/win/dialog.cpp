@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "com/module_scope.h"
+#include "common/placement.h"
 #include "common/win/dialog_template.h"
 #include "common/win/guard.h"
 
@@ -16,6 +17,26 @@ bool AnswersDirectly(UINT message) {
   return message == WM_CTLCOLORDLG || message == WM_CTLCOLOREDIT || message == WM_CTLCOLORLISTBOX ||
          message == WM_CTLCOLORSTATIC || message == WM_CTLCOLORBTN || message == WM_COMPAREITEM ||
          message == WM_VKEYTOITEM || message == WM_CHARTOITEM || message == WM_QUERYDRAGICON;
+}
+
+// Puts a dialog over the middle of its owner, where it can be seen.
+void CentreOverOwner(HWND window) {
+  const HWND owner = GetWindow(window, GW_OWNER);
+  RECT over = {};
+  RECT own = {};
+  MONITORINFO monitor = {};
+  monitor.cbSize = sizeof(monitor);
+  GetMonitorInfoW(MonitorFromWindow(owner ? owner : window, MONITOR_DEFAULTTONEAREST), &monitor);
+  const RECT& work = monitor.rcWork;
+  if (!owner || IsIconic(owner) || !GetWindowRect(owner, &over)) over = work;
+  GetWindowRect(window, &own);
+  const int left = (over.left + over.right - (own.right - own.left)) / 2;
+  const int top = (over.top + over.bottom - (own.bottom - own.top)) / 2;
+  const Area place =
+      MovedInto({left, top, left + own.right - own.left, top + own.bottom - own.top},
+                {static_cast<std::int32_t>(work.left), static_cast<std::int32_t>(work.top),
+                 static_cast<std::int32_t>(work.right), static_cast<std::int32_t>(work.bottom)});
+  SetWindowPos(window, nullptr, place.left, place.top, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 }  // namespace
@@ -86,6 +107,7 @@ INT_PTR CALLBACK Dialog::Procedure(HWND window, UINT message, WPARAM wide, LPARA
 bool Dialog::Init(HWND window) {
   mWindow = window;
   try {
+    if (mModal) CentreOverOwner(window);
     const bool systemSetsFocus = OnInit();
     mInitialised = true;
     return systemSetsFocus;

@@ -47,6 +47,7 @@ void TrackingTip::Show(HWND owner, POINT place, const std::wstring& text, UINT d
   SendToTip(mTip, TTM_UPDATETIPTEXTW, 0, tool);
   SendMessageW(mTip, TTM_TRACKPOSITION, 0, MAKELPARAM(place.x, place.y));
   SendToTip(mTip, TTM_TRACKACTIVATE, TRUE, tool);
+  SetWindowPos(mTip, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
   if (duration_ms != 0) SetTimer(mTip, kHideTimer, duration_ms, HideInTime);
 }
 
