@@ -28,7 +28,7 @@ class TerminalSource final : public LineSource {
  public:
   TerminalSource(NRuntime::AsioLoop& loop, Wishes& wishes, Completer completer,
                  const std::filesystem::path& history);
-  ~TerminalSource() override { gEditing = nullptr; }
+  ~TerminalSource() override;
 
   std::optional<std::string> Next() override;
   void MakeRoom() override;
@@ -75,6 +75,12 @@ TerminalSource::TerminalSource(NRuntime::AsioLoop& loop, Wishes& wishes, Complet
   if (mHistory.empty()) return;
   read_history(mHistory.c_str());
   history_truncate_file(mHistory.c_str(), kHistoryLines);
+}
+
+// What was thrown while a line was edited must not leave the terminal as it is then.
+TerminalSource::~TerminalSource() {
+  if (mEditing) rl_callback_handler_remove();
+  gEditing = nullptr;
 }
 
 std::optional<std::string> TerminalSource::Next() {

@@ -49,5 +49,7 @@ std::filesystem::path HistoryFile();
 
 /// Takes the next line out of `text`, without its end; empty: no line in it is whole.
 std::optional<std::string> TakeLine(std::string& text);
+/// A pipe that brings no end of a line is given up there.
+inline constexpr std::size_t kLongestLine = 1 << 20;
 
 }  // namespace NBench

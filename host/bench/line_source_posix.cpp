@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <stdexcept>
 #include <utility>
 
 #include "host/bench/line_source.h"
@@ -45,6 +46,9 @@ class PipeSource final : public LineSource {
       mText.append(bytes, static_cast<std::size_t>(count));
     } else {
       mEnded = count == 0 || (errno != EINTR && errno != EAGAIN);
+    }
+    if (mText.size() > kLongestLine && mText.find('\n') == std::string::npos) {
+      throw std::runtime_error("a line of the input is too long");
     }
   }
 

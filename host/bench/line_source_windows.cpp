@@ -55,7 +55,7 @@ bool ReadSome(HANDLE input, bool console, std::string& text) {
 std::optional<std::string> ReadLine(HANDLE input, bool console, std::string& text) {
   for (;;) {
     if (auto line = TakeLine(text)) return line;
-    if (ReadSome(input, console, text)) continue;
+    if (text.size() <= kLongestLine && ReadSome(input, console, text)) continue;
     if (text.empty()) return std::nullopt;
     return std::exchange(text, {});
   }

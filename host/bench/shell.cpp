@@ -8,6 +8,7 @@
 #include "host/bench/generator_block.h"
 #include "host/bench/interrupts.h"
 #include "host/bench/shell_commands.h"
+#include "host/bench/shell_configuration.h"
 #include "host/buses/bus_factory.h"
 #include "host/configuration/document_paths.h"
 #include "host/runtime/text.h"
@@ -117,6 +118,7 @@ class Runner {
   const Input mInput;
   std::unique_ptr<LineSource> mSource;  // empty at first: the module may have a message while it is loaded
   std::uint32_t mLine = 0;
+  ShellConfiguration mConfiguration;
   ShellSession mSession;
   Interrupts mInterrupts;
   Shell mShell;
@@ -124,6 +126,7 @@ class Runner {
 
 Runner::Runner(const ShellOptions& options, const Input& input)
     : mInput(input),
+      mConfiguration(options.host),
       mSession(options, mWishes,
                {[this](const std::string& text) { Print(text); },
                 [this](const std::string& text) { Tell(text); }}),
@@ -132,7 +135,8 @@ Runner::Runner(const ShellOptions& options, const Input& input)
                     (kind == Interrupts::Kind::Interrupt ? mWishes.interrupted : mWishes.terminated) = true;
                     mSession.GetHost().Loop().Stop();
                   }),
-      mShell{mSession, [this](const std::string& text) { Print(text); }, {}} {
+      mShell{mSession, [this](const std::string& text) { Print(text); },
+             [this](const auto& file) { mConfiguration.Save(mSession, file); }} {
   mSource = MakeSource(input);
   if (options.host.configuration.empty()) return;
   mShell.save = [this, from = options.host.configuration](const std::optional<std::filesystem::path>& file) {

@@ -6,6 +6,7 @@
 
 #include "host/bench/console.h"
 #include "host/bench/node_table.h"
+#include "host/bench/node_words.h"
 #include "host/bench/options.h"
 #include "host/bench/text_table.h"
 #include "host/runtime/text.h"
@@ -34,8 +35,16 @@ struct Row {
 
 constexpr std::size_t kAnyNumber = 1000;
 
+// For a message: nothing that a terminal would act on, and no more than fits a line.
+std::string OnScreen(const std::string& word) {
+  constexpr std::size_t kLongest = 60;
+  std::wstring text = Printable(word);
+  if (text.size() > kLongest) text = text.substr(0, kLongest - 3) + L"...";
+  return NRuntime::ToUtf8(text);
+}
+
 [[noreturn]] void Refuse(const std::string& word, const std::string& wanted) {
-  throw std::runtime_error("\"" + word + "\": " + wanted);
+  throw std::runtime_error("\"" + OnScreen(word) + "\": " + wanted);
 }
 
 bool ParseSwitch(const std::string& word) {
@@ -124,7 +133,8 @@ void RunBlocks(Shell& shell, const Words&) {
   const auto& names = shell.session.Generators();
   std::string text;
   for (std::size_t i = 0; i < names.size(); ++i) {
-    text += (i == shell.session.InUse() ? "* " : "  ") + std::to_string(i + 1) + "  " + names[i] + '\n';
+    text +=
+        (i == shell.session.InUse() ? "* " : "  ") + std::to_string(i + 1) + "  " + OnScreen(names[i]) + '\n';
   }
   shell.print(text);
 }
@@ -136,7 +146,6 @@ void RunUse(Shell& shell, const Words& words) {
 }
 
 void RunSave(Shell& shell, const Words& words) {
-  if (!shell.save) throw ShellFailure("there is no configuration to save; --config names one");
   shell.save(words.empty() ? std::nullopt : std::optional(NRuntime::ToPath(words[0])));
 }
 

@@ -16,7 +16,7 @@ std::vector<std::string> SplitLine(const std::string& line);
 struct Shell {
   ShellSession& session;
   std::function<void(const std::string&)> print;  ///< whole lines
-  /// Saves the configuration to a file, or to the one that it came from; empty: there is none to save.
+  /// Saves the configuration to a file, or to its own.
   std::function<void(const std::optional<std::filesystem::path>& file)> save;
   bool quit = false;
 };

@@ -125,6 +125,7 @@ std::uint32_t ShellSession::Run() {
   return generator.TakeItemsSent();
 }
 
+// What is asked for begins in a sequence, and only then can it be stopped.
 void ShellSession::SetCyclic(bool on) {
   NeedMeasurement();
   GeneratorBlock& block = Chosen().Block();
@@ -132,8 +133,11 @@ void ShellSession::SetCyclic(bool on) {
     throw ShellFailure("nothing to send: the cyclic list has no enabled items");
   }
   if (on != Chosen().Does(NSdk::kCyclicRunning)) block.ToggleCyclic();
-  if (on && !Chosen().Does(NSdk::kCyclicRunning))
-    mOutput.print("cyclic transmission begins with the next run\n");
+  if (Chosen().Does(NSdk::kCyclicRunning)) return;
+  if (on) mOutput.print("cyclic transmission begins with the next run\n");
+  if (!on && Chosen().Does(NSdk::kCyclicRequested)) {
+    throw ShellFailure("cyclic transmission is asked for; it can be stopped once a run has begun it");
+  }
 }
 
 std::vector<NRuntime::Settings> ShellSession::Settings() const {

@@ -64,7 +64,7 @@ TEST_F(Shell, AnErrorStopsAScriptAtItsLine) {
       {"use 2", 2, "there is no such generator"},
       {"run", 1, "no measurement runs; start begins one"},
       {"stop", 1, "no measurement runs; start begins one"},
-      {"save", 1, "there is no configuration to save"},
+      {"save", 1, "the configuration has no file yet; save FILE.json gives it one"},
   };
   for (const auto& row : rows) {
     const auto outcome = Run(started + row.line + "\nhelp help\n", "");
@@ -83,6 +83,29 @@ TEST_F(Shell, WhatIsNotReachedInTimeFails) {
   const auto network = Run("start\nnmt stop all network 2\n", "--can 1=virtual --can 2=virtual:b");
   EXPECT_EQ(network.status, 1);
   EXPECT_THAT(network.errors, HasSubstr("insert this block in the simulation setup"));
+}
+
+TEST_F(Shell, WhatIsSavedIsThereTheNextTime) {
+  const std::filesystem::path other = folder / "other";
+  std::filesystem::create_directories(other);
+  const std::string file = "\"" + (other / "mine.json").string() + "\"";
+  const auto saved = Run("load \"" + kPlant + "plant.seq\"\nsave " + file + "\nsave\n",
+                         "--device 5:" + NTest::Quoted(kPlant + "valves.dcf") +
+                             "--device 9:" + NTest::Quoted(kPlant + "spindle.dcf") + "--db " +
+                             NTest::Quoted(kPlant + "plant.dbc"));
+  EXPECT_EQ(saved.status, 0) << saved.errors;
+  const auto again = Run("start\nrun\n", "--config " + file);
+  EXPECT_EQ(again.status, 0) << again.errors;
+  EXPECT_EQ(again.output, "26 items sent\n");
+  EXPECT_EQ(Run("save \"" + (folder / "none" / "mine.json").string() + "\"\n", "").status, 1);
+}
+
+TEST_F(Shell, TheDemonstrationIsWhole) {
+  const auto outcome = Run("start\nwait 9 preoperational\nrun\nwait 5 stopped\ntable\n",
+                           "--config " + NTest::Quoted(kPlant + "plant.json"));
+  EXPECT_EQ(outcome.status, 0) << outcome.errors;
+  EXPECT_EQ(outcome.errors, "");
+  EXPECT_THAT(outcome.output, AllOf(HasSubstr("26 items sent\n"), HasSubstr("Valve terminal")));
 }
 
 TEST_F(Shell, CyclicTransmissionGoesOnBehindASequence) {
