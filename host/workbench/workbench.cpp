@@ -149,11 +149,13 @@ void Workbench::OpenHost(const std::vector<NConfiguration::Block>& blocks) {
                                                   mDocument.numberBase};
   mApplication = NRuntime::Make<NRuntime::Application>(settings, HostConfiguration());
   mApplication->SetMeasuringQuery([this] { return IsMeasuring(); });
+  mIsChanging = true;
   LoadModule();
   mSetup = NRuntime::Make<NRuntime::Setup>(*mApplication, [this] { TakeNewBlocks(); });
   for (const NConfiguration::Block& block : blocks) AddStoredBlock(block);
   mApplication->TellOpened();
   mApplication->TellChanged();
+  mIsChanging = false;
   mEvents.OnSetupChanged();
 }
 
@@ -177,8 +179,8 @@ void Workbench::CloseHost() {
     if (block.object) mEvents.OnBlockLeaving(*block.object);
   }
   mBlocks.clear();
-  if (mSetup) mSetup->Clear();
-  mSetup.Reset();
+  const auto setup = std::move(mSetup);  // what it tells while it is emptied concerns nobody any more
+  if (setup) setup->Clear();
   mExtensions.Reset();
   mModule.reset();
   mApplication.Reset();

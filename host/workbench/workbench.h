@@ -69,6 +69,10 @@ class Workbench final : private NRuntime::MeasurementObserver {
   /// As it is in the file, without blocks.
   const NConfiguration::Document& Settings() const { return mDocument; }
 
+  /// The module is loaded or let go, or the measurement starts or stops: the module may show a message box
+  /// in it, behind which nothing else may be asked for.
+  bool IsChanging() const { return mIsChanging; }
+
   // ---- module and blocks
 
   /// Empty while the module works; else why it does not.
@@ -138,7 +142,7 @@ class Workbench final : private NRuntime::MeasurementObserver {
   std::uint32_t mInsertChannel = 0;
 
   std::unique_ptr<Session> mSession;
-  bool mIsChanging = false;  // the measurement starts or stops: blocks may let the loop run in it
+  bool mIsChanging = false;
   bool mStopIsWanted = false;
   std::vector<std::unique_ptr<Session>> mEnded;
   TraceStore mTrace;

@@ -129,6 +129,13 @@ INT_PTR ChannelsDialog::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     case WM_NOTIFY:
       if (reinterpret_cast<NMHDR*>(lParam)->code == TCN_SELCHANGE) ChangeTab();
       return TRUE;
+    case WM_CTLCOLORSTATIC:
+      // The page is as bright as a window where the system draws it so.
+      if (const int id = GetDlgCtrlID(reinterpret_cast<HWND>(lParam)); id >= kBusLabel && id <= kDatabases) {
+        SetBkColor(reinterpret_cast<HDC>(wParam), GetSysColor(COLOR_WINDOW));
+        return reinterpret_cast<INT_PTR>(GetSysColorBrush(COLOR_WINDOW));
+      }
+      return FALSE;
     case WM_DESTROY:
       for (const auto& page : mPages) page->Destroy();
       mPages.clear();

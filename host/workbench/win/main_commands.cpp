@@ -31,6 +31,8 @@ class WaitCursor {
 }  // namespace
 
 bool MainWindow::OnCommand(int id) {
+  if (id >= kFirstChild) return false;
+  if (mWorkbench->IsChanging() && id != kMeasureStop) return true;
   if (OnFileCommand(id) || OnOptionCommand(id) || OnWindowCommand(id) || OnBlockCommand(id)) return true;
   if (id == kMeasureStart) return StartMeasurement(), true;
   if (id == kMeasureStop) return mWorkbench->Stop(), true;
@@ -191,7 +193,8 @@ void MainWindow::ShowChannels() {
 }
 
 void MainWindow::Close() {
-  if (!IsWindowEnabled(Handle())) return;  // a dialog or message is waiting for its answer
+  if (!IsWindowEnabled(Handle()) || mWorkbench->IsChanging())
+    return;  // a dialog or message is waiting for its answer
   if (!ConfirmStop() || !ConfirmDiscard()) return;
   mRemembersBlocks = false;
   mBlocks.clear();  // while what they are windows in still stands

@@ -93,6 +93,7 @@ void TraceWindow::Refresh() {
   SetWindowTextW(mClear, Text(TextId::TraceClear));
   SetWindowTextW(mFilterLabel, Text(TextId::TraceFilter));
   ::SendMessageW(mFilter, EM_SETCUEBANNER, TRUE, reinterpret_cast<LPARAM>(Text(TextId::TraceFilterHint)));
+  InvalidateRect(mFilter, nullptr, TRUE);
   for (int position = 0; position < kTraceColumns; ++position) {
     LVCOLUMNW column = {};
     column.mask = LVCF_TEXT;

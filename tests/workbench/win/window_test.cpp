@@ -15,6 +15,9 @@ using testing::Not;
 
 constexpr char kVirtual[] = R"({"number": 1, "bus": "virtual,bitrate=125000"})";
 constexpr char kDevice[] = R"(, "devices": [{"channel": 1, "node": 5}, {"channel": 1, "node": 9}])";
+constexpr char kScanners[] =
+    R"(, "blocks": [{"progId": "HarlowPlugIn.CANopenScanner", "settings": {"Name": "First"}},
+                    {"progId": "HarlowPlugIn.CANopenScanner", "settings": {"Name": "Second"}}])";
 constexpr int kInsertMenu = 1;
 
 TEST(Workbench, InsertsMeasuresSavesAndOpensAgain) {
@@ -39,14 +42,16 @@ TEST(Workbench, InsertsMeasuresSavesAndOpensAgain) {
 }
 
 TEST(Workbench, SetupsAreThoseOfTheVariantAndTheLanguage) {
-  Program program(WriteConfiguration("variants.json", kVirtual));
-  EXPECT_THAT(program.SetupLines(),
-              testing::ElementsAre(L"Simulation setup", L"Network CAN 1", L"Measurement setup"));
+  Program program(WriteConfiguration("variants.json", kVirtual, kScanners));
+  EXPECT_THAT(program.SetupLines(), testing::ElementsAre(L"Simulation setup", L"Network CAN 1",
+                                                         L"Measurement setup", L"First", L"Second"));
   program.Command(kOptionsTesmond);
-  EXPECT_TRUE(program.Wait([&] { return program.SetupLines().size() == 2; }));
-  EXPECT_THAT(program.SetupLines(), testing::ElementsAre(L"Measurement setup", L"Send line"));
+  EXPECT_TRUE(program.Wait([&] { return program.SetupLines().size() == 4; }));
+  EXPECT_THAT(program.SetupLines(),
+              testing::ElementsAre(L"Measurement setup", L"Send line", L"First", L"Second"));
   program.Command(kOptionsGerman);
   EXPECT_TRUE(program.Wait([&] { return program.SetupLines().front() == L"Messaufbau"; }));
+  EXPECT_EQ(program.SetupLines().size(), 4u);
   const Answers no(IDNO);
   SendMessageW(program.Main(), WM_CLOSE, 0, 0);
   EXPECT_TRUE(program.IsClosed());
