@@ -39,7 +39,7 @@ class Download final : public NRuntime::MeasurementObserver, public NBench::Gene
     options.module = OSTREL_MODULE;
     NBench::Host host(options, *this,
                       [](const std::string& text) { std::fprintf(stderr, "%s\n", text.c_str()); });
-    NBench::GeneratorBlock block(host.Module(), host.Application(),
+    NBench::GeneratorBlock block(host.Application(), host.Setup(),
                                  {{L"CANChannel", L"1"}, {L"SvcDelay", L"10"}, {L"SDOTimeout", L"5000"}},
                                  *this);
     block.LoadSequence(sequence);

@@ -42,7 +42,7 @@ std::vector<Time> Record(std::chrono::seconds duration, const std::filesystem::p
   options.channels.push_back({1, "virtual"});
   options.module = OSTREL_MODULE;
   NBench::Host host(options, recorder, [](const std::string&) {});
-  NBench::GeneratorBlock block(host.Module(), host.Application(), {{L"CANChannel", L"1"}}, recorder);
+  NBench::GeneratorBlock block(host.Application(), host.Setup(), {{L"CANChannel", L"1"}}, recorder);
   block.LoadSequence(sequence);
   host.Measurement().Start({block.Object()});
   block.ToggleCyclic();

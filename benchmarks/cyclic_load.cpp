@@ -85,7 +85,7 @@ void SendWithModule(const ServedBus& bus, const Load& load, double& cpu_s) {
   options.module = OSTREL_MODULE;
   NBench::Host host(options, nobody,
                     [](const std::string& text) { std::fprintf(stderr, "%s\n", text.c_str()); });
-  NBench::GeneratorBlock block(host.Module(), host.Application(), {{L"CANChannel", L"1"}}, nobody);
+  NBench::GeneratorBlock block(host.Application(), host.Setup(), {{L"CANChannel", L"1"}}, nobody);
   block.LoadSequence(sequence);
   std::filesystem::remove(sequence);
   host.Measurement().Start({block.Object()});
