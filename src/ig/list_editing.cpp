@@ -11,6 +11,7 @@ using NCanopen::ItemList;
 using NSdk::GeneratorList;
 
 constexpr std::size_t kMaxSteps = 1000;
+constexpr std::size_t kManyRuns = 16;  // each costs a move of all rows behind it
 
 /// Selected rows that follow each other.
 struct Run {
@@ -50,6 +51,11 @@ bool ListEditing::Accepts(GeneratorList list, const NCanopen::ZMsgItemInfo& item
 
 void ListEditing::Flip(Change& change) {
   ItemList& list = List(change.list);
+  if (change.count == change.items.size()) {
+    std::swap_ranges(change.items.begin(), change.items.end(),
+                     list.begin() + static_cast<std::ptrdiff_t>(change.position));
+    return;
+  }
   const auto at = [&](std::size_t row) { return list.begin() + static_cast<std::ptrdiff_t>(row); };
   ItemList taken(std::make_move_iterator(at(change.position)),
                  std::make_move_iterator(at(change.position + change.count)));
@@ -83,15 +89,32 @@ Rows ListEditing::Insert(GeneratorList list, std::size_t position,
   return Consecutive(position, count);
 }
 
+std::vector<ListEditing::Change> ListEditing::Deletion(GeneratorList list, const Rows& rows) {
+  std::vector<Change> changes;
+  const auto runs = RunsOf(rows);
+  if (runs.size() <= kManyRuns) {
+    // From the end, so that the positions before stay what they are.
+    for (auto run = runs.rbegin(); run != runs.rend(); ++run) {
+      changes.push_back({list, run->first, run->count, {}});
+    }
+    return changes;
+  }
+  // All at once: copies of the rows between the deleted ones take the place of everything.
+  Change change{list, rows.front(), rows.back() + 1 - rows.front(), {}};
+  for (std::size_t next = 0, row = rows.front(); row <= rows.back(); ++row) {
+    if (row == rows[next]) {
+      ++next;
+    } else {
+      change.items.push_back(NCanopen::CopyItem(*List(list)[row]));
+    }
+  }
+  changes.push_back(std::move(change));
+  return changes;
+}
+
 Rows ListEditing::Delete(GeneratorList list, const Rows& rows) {
   if (rows.empty()) return {};
-  std::vector<Change> changes;
-  // From the end, so that the positions before stay what they are.
-  const auto runs = RunsOf(rows);
-  for (auto run = runs.rbegin(); run != runs.rend(); ++run) {
-    changes.push_back({list, run->first, run->count, {}});
-  }
-  Do(std::move(changes));
+  Do(Deletion(list, rows));
   const std::size_t size = List(list).size();
   return size == 0 ? Rows{} : Rows{std::min(rows.front(), size - 1)};
 }
@@ -129,11 +152,7 @@ Rows ListEditing::MoveTo(GeneratorList from, const Rows& rows, GeneratorList to,
     taken.push_back(row);
   }
   if (taken.empty()) return {};
-  std::vector<Change> changes;
-  const auto runs = RunsOf(taken);
-  for (auto run = runs.rbegin(); run != runs.rend(); ++run) {
-    changes.push_back({from, run->first, run->count, {}});
-  }
+  std::vector<Change> changes = Deletion(from, taken);
   if (from == to) {
     insertion.position -= static_cast<std::size_t>(
         std::ranges::count_if(taken, [position](std::size_t row) { return row < position; }));

@@ -78,6 +78,7 @@ class ListEditing {
 
   NCanopen::ItemList& List(NSdk::GeneratorList list) { return *mLists[list]; }
   void Flip(Change& change);
+  std::vector<Change> Deletion(NSdk::GeneratorList list, const Rows& rows);
   void Do(std::vector<Change> changes);
   std::uint64_t Version() const { return mVersion; }
   Rows Shift(NSdk::GeneratorList list, const Rows& rows, bool up);

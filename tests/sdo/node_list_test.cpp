@@ -109,7 +109,10 @@ class NodeList : public testing::Test {
     host->databases.emplace_back(folder / "db" / name, channel);
   }
 
-  const fs::path folder = fs::temp_directory_path() / "ostrel node list";
+  // Of this test alone: others run beside it.
+  const fs::path folder =
+      fs::temp_directory_path() /
+      (std::string("ostrel node list ") + testing::UnitTest::GetInstance()->current_test_info()->name());
   NCom::ComPtr<NTest::DatabaseHost> host = NCom::Make<NTest::DatabaseHost>();
 };
 
