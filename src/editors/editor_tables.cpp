@@ -11,9 +11,9 @@ constexpr EditorField kDelay = {"SendDelay"};
 constexpr EditorField kSync[] = {{"COBID"}, kCycle, kDelay};
 
 constexpr EditorField kEmcy[] = {
-    {"NodeID", Control::List, Choices::Nodes},
-    {"COBID", Control::List, Choices::Emergencies},
-    {"ErrCode", Control::List, Choices::ErrorCodes},
+    {"NodeID", FieldControl::List, Choices::Nodes},
+    {"COBID", FieldControl::List, Choices::Emergencies},
+    {"ErrCode", FieldControl::List, Choices::ErrorCodes},
     {"Errreg"},
     {"ManSpec1"},
     {"ManSpec2"},
@@ -25,60 +25,60 @@ constexpr EditorField kEmcy[] = {
 };
 
 constexpr EditorField kHeartbeat[] = {
-    {"NodeID", Control::List, Choices::Nodes},
-    {"COBID", Control::List, Choices::ErrorControl},
+    {"NodeID", FieldControl::List, Choices::Nodes},
+    {"COBID", FieldControl::List, Choices::ErrorControl},
     kCycle,
     kDelay,
-    {"NMTState", Control::List, Choices::NodeStates},
+    {"NMTState", FieldControl::List, Choices::NodeStates},
 };
 
 constexpr EditorField kGuard[] = {
-    {"NodeID", Control::List, Choices::Nodes},
-    {"COBID", Control::List, Choices::ErrorControl},
+    {"NodeID", FieldControl::List, Choices::Nodes},
+    {"COBID", FieldControl::List, Choices::ErrorControl},
     kCycle,
     kDelay,
-    {"NMTState", Control::List, Choices::NodeStates},
-    {"ToggleBitStartValue", Control::CheckBox},
+    {"NMTState", FieldControl::List, Choices::NodeStates},
+    {"ToggleBitStartValue", FieldControl::CheckBox},
 };
 
 constexpr EditorField kNmt[] = {
-    {"NodeID", Control::List, Choices::NodesOrAll},
+    {"NodeID", FieldControl::List, Choices::NodesOrAll},
     kCycle,
     kDelay,
-    {"NMTState", Control::List, Choices::NmtCommands},
+    {"NMTState", FieldControl::List, Choices::NmtCommands},
 };
 
 constexpr EditorField kPdo[] = {
-    {"NodeID", Control::List, Choices::Nodes},
-    {"COBID", Control::List, Choices::Pdos},
-    {"Data", Control::Data},
+    {"NodeID", FieldControl::List, Choices::Nodes},
+    {"COBID", FieldControl::List, Choices::Pdos},
+    {"Data", FieldControl::Data},
     {"DLC"},
     kCycle,
     kDelay,
-    {"AutoSize", Control::CheckBox},
+    {"AutoSize", FieldControl::CheckBox},
 };
 
 constexpr EditorField kSdo[] = {
-    {"NodeID", Control::List, Choices::Nodes},
-    {"COBIDTx", Control::List, Choices::SdoRequests},
-    {"COBIDRx", Control::List, Choices::SdoResponses},
+    {"NodeID", FieldControl::List, Choices::Nodes},
+    {"COBIDTx", FieldControl::List, Choices::SdoRequests},
+    {"COBIDRx", FieldControl::List, Choices::SdoResponses},
     kCycle,
     kDelay,
-    {"Index", Control::List, Choices::Objects},
+    {"Index", FieldControl::List, Choices::Objects},
     {"SubIndex"},
-    {"AutoCANID", Control::CheckBox},
-    {"AutoSize", Control::CheckBox},
-    {"BlockTransfer", Control::CheckBox},
-    {"Upload", Control::CheckBox},
+    {"AutoCANID", FieldControl::CheckBox},
+    {"AutoSize", FieldControl::CheckBox},
+    {"BlockTransfer", FieldControl::CheckBox},
+    {"Upload", FieldControl::CheckBox},
     {"ObjectSize"},
-    {"Data", Control::Data},
+    {"Data", FieldControl::Data},
 };
 
-constexpr EditorField kRtr[] = {{"COBID", Control::List, Choices::Pdos}, kCycle, kDelay, {"DLC"}};
+constexpr EditorField kRtr[] = {{"COBID", FieldControl::List, Choices::Pdos}, kCycle, kDelay, {"DLC"}};
 
 constexpr EditorField kPause[] = {{"PauseMilliSec"}};
 
-constexpr EditorField kCyclicState[] = {{"StartFlag", Control::Radio}};
+constexpr EditorField kCyclicState[] = {{"StartFlag", FieldControl::Radio}};
 
 }  // namespace
 

@@ -8,7 +8,7 @@
 
 namespace NEditors {
 
-enum class Control {
+enum class FieldControl {
   Number,    ///< an edit field
   List,      ///< an edit field with a list of choices
   CheckBox,  ///< 0 or 1
@@ -34,7 +34,7 @@ enum class Choices {
 
 struct EditorField {
   const char* key;  ///< of the item's field
-  Control control = Control::Number;
+  FieldControl control = FieldControl::Number;
   Choices choices = Choices::None;
 };
 

@@ -135,6 +135,11 @@ std::optional<std::uint32_t> MappedPdoSize(const DatabaseNode& node, std::uint32
   return (bits + 7) / 8;
 }
 
+bool DependsOnNode(Choices choices) {
+  return choices == Choices::Pdos || choices == Choices::SdoRequests || choices == Choices::SdoResponses ||
+         choices == Choices::Objects;
+}
+
 std::vector<FieldChoice> ListChoices(Choices choices, const ChoiceContext& context) {
   List list;
   switch (choices) {

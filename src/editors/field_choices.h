@@ -27,6 +27,9 @@ struct ChoiceContext {
 
 std::vector<FieldChoice> ListChoices(Choices choices, const ChoiceContext& context);
 
+/// Whether a list offers something else for another node.
+bool DependsOnNode(Choices choices);
+
 /// Null: the databases have no such node.
 const NSdo::DatabaseNode* FindNode(std::span<const NSdo::DatabaseNode> nodes, std::uint32_t nodeId);
 

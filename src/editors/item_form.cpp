@@ -73,7 +73,7 @@ FormField ItemForm::Load(const EditorField& row) const {
   FormField shown;
   if (field.text != nullptr) {
     shown.text = field.text(*mItem);
-  } else if (row.control == Control::CheckBox || row.control == Control::Radio) {
+  } else if (row.control == FieldControl::CheckBox || row.control == FieldControl::Radio) {
     shown.checked = field.number(*mItem) != 0;
   } else if (IsCyclicField(row) && !mContext.inCyclicList) {
     shown.text = std::string(1, std::string_view(row.key) == "SendCycle" ? '-' : '0');
@@ -250,16 +250,16 @@ std::optional<std::wstring> ItemForm::Take(std::size_t field, ZMsgItemInfo& item
   const FormField& entered = mFields[field];
   const ItemField& target = FieldOf(item, row);
   switch (row.control) {
-    case Control::CheckBox:
-    case Control::Radio:
+    case FieldControl::CheckBox:
+    case FieldControl::Radio:
       target.setNumber(item, entered.checked ? 1 : 0);
       return std::nullopt;
-    case Control::Data:
+    case FieldControl::Data:
       if (auto fault = CheckData(entered.text)) return fault;
       target.setText(item, entered.text);
       return std::nullopt;
-    case Control::Number:
-    case Control::List:
+    case FieldControl::Number:
+    case FieldControl::List:
       break;
   }
   if (IsCyclicField(row)) {
@@ -302,6 +302,17 @@ std::optional<NSdk::CanFrame> ItemForm::Preview() const {
     return bytes ? FirstSdoFrame(record, *bytes) : std::nullopt;
   }
   return NCanopen::FrameOf(*item);
+}
+
+std::string FrameText(const NSdk::CanFrame& frame) {
+  const bool extended = (frame.flags & NSdk::kFrameExtended) != 0;
+  const std::uint32_t size = std::min<std::uint32_t>(frame.flags & NSdk::kFrameDlcMask, sizeof frame.data);
+  std::string text = fmt::format(
+      "{}  [{}] ", NCanopen::CobIdText(frame.identifier | (extended ? NCanopen::kCobIdExtended : 0)), size);
+  if ((frame.flags & NSdk::kFrameRemote) != 0) return text + " R";
+  for (std::uint32_t position = 0; position < size; ++position)
+    text += fmt::format(" {:02X}", frame.data[position]);
+  return text;
 }
 
 }  // namespace NEditors

@@ -96,4 +96,8 @@ class ItemForm {
   std::vector<FormField> mFields;
 };
 
+/// "185  [2]  34 12": identifier, data length and bytes, all but the length in hexadecimal; "R" for a remote
+/// frame.
+std::string FrameText(const NSdk::CanFrame& frame);
+
 }  // namespace NEditors

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "com/com_ptr.h"
+#include "resources/resource_ids.h"
 #include "sdk/runtime.h"
 
 namespace NIg {
@@ -20,10 +21,10 @@ enum WindowMessage : unsigned {
 
 /// Controls of the block's window that a running block changes.
 enum WindowControl : int {
-  kControlExecute = 706,
-  kControlCyclicList = 707,
-  kControlSequenceList = 728,
-  kControlStart = 731,
+  kControlExecute = IDC_IG_EXECUTE,
+  kControlCyclicList = IDC_IG_CYCLIC,
+  kControlSequenceList = IDC_IG_SEQUENCE,
+  kControlStart = IDC_IG_START,
 };
 
 class GeneratorWindow {

@@ -1,5 +1,6 @@
 #include "plugin/plugin_app.h"
 
+#include "editors/item_editors.h"
 #include "ig/generator_node.h"
 #include "plugin/plug_in.h"
 #include "scanner/scanner.h"
@@ -16,6 +17,7 @@ ZPlugInApp::ZPlugInApp()
                              NCom::CreateObject<NIg::ZCANopenIGNode>)} {}
 
 bool ZPlugInApp::InitInstance() {
+  NEditors::InstallItemEditors();
   NCom::InitialiseClasses(mClasses, /*starting=*/true);
   return true;
 }

@@ -89,6 +89,7 @@
 // Number bases beside the fields of the item editors
 #define IDS_BASE_DEC 2060
 #define IDS_BASE_HEX 2061
+#define IDS_DATA_FILE_FILTER 2062
 
 // Sending of NMT commands
 #define IDS_NMT_NO_BLOCK_IN_NETWORK 822
@@ -207,11 +208,11 @@
 #define IDC_IG_TEMPLATES 2221
 #define IDC_IG_REFRESH 2222
 #define IDC_IG_SEQUENCE_LABEL 2223
-#define IDC_IG_SEQUENCE 2224
-#define IDC_IG_EXECUTE 2225
+#define IDC_IG_SEQUENCE 728
+#define IDC_IG_EXECUTE 706
 #define IDC_IG_CYCLIC_LABEL 2226
-#define IDC_IG_CYCLIC 2227
-#define IDC_IG_START 2228
+#define IDC_IG_CYCLIC 707
+#define IDC_IG_START 731
 #define IDC_IG_CONFIGURE 2229
 #define IDC_IG_OPEN 2230
 #define IDC_IG_SAVE 2231

@@ -216,7 +216,7 @@ TEST(ItemForm, PreviewsTheFrame) {
   Type(form, "Data", "uint:4660");
   Type(form, "DLC", "2");
   EXPECT_EQ(data(form.Preview()), (std::vector<unsigned>{0x34, 0x12, 0, 0, 0, 0, 0, 0}));
-  EXPECT_EQ(form.Preview()->identifier, 0x181u);
+  EXPECT_EQ(NEditors::FrameText(*form.Preview()), "181  [2]  34 12");
   Type(form, "DLC", "9");
   EXPECT_FALSE(form.Preview());
 
@@ -231,6 +231,7 @@ TEST(ItemForm, PreviewsTheFrame) {
   EXPECT_EQ(data(sdoForm.Preview())[0], 0xC6u);
   sdoForm.SetChecked(*sdoForm.Find("Upload"), true);
   EXPECT_EQ(data(sdoForm.Preview())[0] & 0xE0, 0xA0u);
+  EXPECT_EQ(NEditors::FrameText(*ItemForm(*MakeItem("RTR"), {}).Preview()), "181  [0]  R");
   EXPECT_FALSE(ItemForm(*MakeItem("PAUSE"), {}).Preview());
 }
 

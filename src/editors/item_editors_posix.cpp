@@ -1,0 +1,7 @@
+#include "editors/item_editors.h"
+
+namespace NEditors {
+
+void InstallItemEditors() {}
+
+}  // namespace NEditors
