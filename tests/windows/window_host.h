@@ -7,7 +7,6 @@
 #include <commctrl.h>
 
 #include <chrono>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -19,32 +18,11 @@
 #include "sdk/blocks.h"
 #include "sdk/runtime.h"
 #include "sdk/views.h"
+#include "tests/windows/window_driver.h"
 
 namespace NTest {
 
 using NRuntime::ComPtr;
-
-// ---- windows
-
-/// Lets messages be handled for a while, or until something is so. False: it never was.
-void PumpFor(int duration_ms);
-bool PumpUntil(const std::function<bool()>& condition, int timeout_ms = 5000);
-
-/// Window of this thread, of a class ("#32770" is that of dialogs, "#32768" that of menus), that is shown;
-/// null: there is none.
-HWND FindShown(const wchar_t* className);
-
-/// Runs `open`, which returns when its dialog or menu is closed. Once that is there, `drive` is called with
-/// it; it is closed at the latest when `drive` is through.
-void WhileOpen(const wchar_t* className, const std::function<void()>& open,
-               const std::function<void(HWND)>& drive);
-
-std::wstring TextOf(HWND window);
-/// Text of the tool tip that is shown; empty: none is.
-std::wstring TipText();
-/// "5|Operational|1" and the like.
-std::wstring RowText(HWND list, int row, int columns);
-std::vector<std::wstring> MenuTexts(HMENU menu);
 
 // ---- the host
 
