@@ -1,5 +1,8 @@
 #include <gmock/gmock.h>
 
+#include <chrono>
+#include <thread>
+
 #include "tests/bench/program.h"
 
 namespace {
@@ -12,7 +15,16 @@ using testing::StrEq;
 class Shell : public testing::Test {
  protected:
   void SetUp() override { std::filesystem::create_directories(folder); }
-  void TearDown() override { std::filesystem::remove_all(folder); }
+  // Wine closes the files of a program a moment after its end.
+  void TearDown() override {
+    std::error_code error;
+    for (int turn = 0; turn < 100; ++turn) {
+      std::filesystem::remove_all(folder, error);
+      if (!error) return;
+      std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+    ADD_FAILURE() << error.message();
+  }
 
   NTest::Outcome Run(const std::string& lines, const std::string& options, bool piped = true) {
     NTest::WriteFile(script, lines);

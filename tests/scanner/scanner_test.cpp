@@ -317,7 +317,7 @@ TEST(ScannerBlock, KeepsItsSettings) {
   NCom::TaskText name;
   scanner->GetName(name.Receive());
   EXPECT_EQ(name.Text(), L"CANopen Scanner");
-  store->values = {{L"Name", L"Line 4"}, {L"WindowPos", L"10,20,300,200"}};
+  store->values = {{L"Name", L"Line 4"}, {L"WindowPos", L"10 20 310 220"}};
   EXPECT_EQ(scanner->Load(store.Get()), S_OK);
   scanner->GetCaption(name.Receive());
   EXPECT_EQ(name.Text(), L"Line 4");
