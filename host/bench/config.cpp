@@ -59,33 +59,34 @@ class ConfigCommand final : public Command {
   std::string mFile;
   std::optional<std::string> mSequence;
   bool mForce = false, mJson = false;
-  const CLI::App *mInit = nullptr, *mCheck = nullptr, *mShow = nullptr;
+  // The parser is gone when the command runs.
+  enum class Action { None, Init, Check, Show } mAction = Action::None;
 };
 
 void ConfigCommand::AddOptions(CLI::App& app) {
   app.require_subcommand(0, 1);
-  const auto add = [&](const char* name) {
-    CLI::App* const action = app.add_subcommand(name);
-    action->add_option("FILE.json", mFile)->required();
-    return action;
+  const auto add = [&](const char* name, Action action) {
+    CLI::App* const command = app.add_subcommand(name);
+    command->add_option("FILE.json", mFile)->required();
+    command->callback([this, action] { mAction = action; });
+    return command;
   };
-  CLI::App* const init = add("init");
+  CLI::App* const init = add("init", Action::Init);
   mHost.AddOptions(*init);
   init->remove_option(init->get_option("--config"));
   init->add_flag("--force", mForce);
   init->add_option("--sequence", mSequence);
-  CLI::App* const check = add("check");
+  CLI::App* const check = add("check", Action::Check);
   check->add_option("--module", mHost.module);
-  CLI::App* const show = add("show");
+  CLI::App* const show = add("show", Action::Show);
   show->add_flag("--json", mJson);
-  mInit = init, mCheck = check, mShow = show;
 }
 
 ExitStatus ConfigCommand::Run() const {
-  if (mInit->parsed()) return Init();
+  if (mAction == Action::None) throw std::runtime_error("config: init, check or show is wanted");
+  if (mAction == Action::Init) return Init();
   const std::filesystem::path file = NRuntime::ToPath(mFile);
-  if (mShow->parsed()) return ShowConfig(file, mJson);
-  if (!mCheck->parsed()) throw std::runtime_error("config: init, check or show is wanted");
+  if (mAction == Action::Show) return ShowConfig(file, mJson);
   std::optional<std::filesystem::path> module;
   if (mHost.module) module = NRuntime::ToPath(*mHost.module);
   return CheckConfig(file, module);
