@@ -123,7 +123,6 @@ std::optional<NSdk::CanFrame> ReadFrame(const std::vector<std::string_view>& wor
 
 std::optional<HostAndPort> ReadHostAndPort(std::string_view text) {
   HostAndPort result;
-  std::string_view port;
   const bool hasBrackets = !text.empty() && text.front() == '[';
   const std::size_t hostEnd = hasBrackets ? text.find(']') : text.find(':');
   if (hasBrackets && hostEnd == std::string_view::npos) return std::nullopt;
