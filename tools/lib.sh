@@ -13,7 +13,6 @@ cache=$root/.cache  # made once and kept; build/ may be wiped at any time
 #   source    unpack a Debian source package
 #   vm        a virtual machine with the kernel that the tests of CAN interfaces need (tests/buses/socketcan_vm)
 #   images    draw the module's bitmaps and icons anew (tools/make-images)
-#   display   pictures of windows where there is no display (tools/dialog-pictures)
 #   tidy      the static analysis that tools/check-style --tidy makes
 packages_of() {
   case $1 in
@@ -24,7 +23,6 @@ packages_of() {
     source) echo dpkg-dev ;;
     vm) echo qemu-system-x86 cpio iproute2 can-utils ;;
     images) echo librsvg2-bin imagemagick ;;
-    display) echo xvfb xauth imagemagick ;;
     tidy) echo clang-tidy-14 ;;
     *) die "no package group '$1'" ;;
   esac
