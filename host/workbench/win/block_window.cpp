@@ -66,19 +66,7 @@ void BlockWindow::Arrange() const {
   if (const HWND inner = Inner()) MoveWindow(inner, 0, 0, area.right, area.bottom, TRUE);
 }
 
-NConfiguration::Window BlockWindow::Place() const {
-  WINDOWPLACEMENT placement = {};
-  placement.length = sizeof placement;
-  GetWindowPlacement(Handle(), &placement);
-  const RECT& frame = placement.rcNormalPosition;
-  NConfiguration::Window place;
-  place.x = frame.left;
-  place.y = frame.top;
-  place.width = frame.right - frame.left;
-  place.height = frame.bottom - frame.top;
-  place.maximized = IsZoomed(Handle()) != FALSE;
-  return place;
-}
+NConfiguration::Window BlockWindow::Place() const { return PlaceOf(Handle()); }
 
 // A list that fills the window has no controls to go through.
 bool BlockWindow::Translate(MSG& message) {

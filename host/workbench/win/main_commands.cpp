@@ -245,17 +245,7 @@ void MainWindow::RememberWindows() {
     PlacedBlock* const block = mWorkbench->Find(object);
     if (block && window) block->stored.window = window->Place();
   }
-  WINDOWPLACEMENT placement = {};
-  placement.length = sizeof placement;
-  GetWindowPlacement(Handle(), &placement);
-  const RECT& frame = placement.rcNormalPosition;
-  NConfiguration::Window place;
-  place.x = frame.left;
-  place.y = frame.top;
-  place.width = frame.right - frame.left;
-  place.height = frame.bottom - frame.top;
-  place.maximized = IsZoomed(Handle()) != FALSE;
-  mWorkbench->SetWindow(place);
+  mWorkbench->SetWindow(PlaceOf(Handle()));
 }
 
 namespace {

@@ -132,6 +132,20 @@ std::wstring TextOf(HWND control) {
   return text;
 }
 
+NConfiguration::Window PlaceOf(HWND window) {
+  WINDOWPLACEMENT placement = {};
+  placement.length = sizeof placement;
+  GetWindowPlacement(window, &placement);
+  const RECT& frame = placement.rcNormalPosition;
+  NConfiguration::Window place;
+  place.x = frame.left;
+  place.y = frame.top;
+  place.width = frame.right - frame.left;
+  place.height = frame.bottom - frame.top;
+  place.maximized = IsZoomed(window) != FALSE;
+  return place;
+}
+
 int Ask(HWND owner, const std::wstring& text, UINT kind) {
   return MessageBoxW(owner, text.c_str(), Text(TextId::AppName), kind);
 }

@@ -6,6 +6,7 @@
 #include <functional>
 #include <string>
 
+#include "host/configuration/document.h"
 #include "host/workbench/win/drawn_icons.h"
 
 namespace NWorkbench {
@@ -86,6 +87,8 @@ HFONT DialogFont();
 /// A control with the dialog font.
 HWND MakeControl(HWND parent, const wchar_t* className, const wchar_t* text, DWORD style, int id);
 std::wstring TextOf(HWND control);
+/// Where a window is when it is not maximised, as configurations keep it.
+NConfiguration::Window PlaceOf(HWND window);
 
 /// A message box over the main window; the answer.
 int Ask(HWND owner, const std::wstring& text, UINT kind);
