@@ -46,12 +46,12 @@ else()
   target_link_libraries(dep_xerces INTERFACE XercesC::XercesC)
 endif()
 
-# GNU readline edits the lines of ostrel-bench shell; the console of Windows has an editor of its own.
+# libedit edits the lines of ostrel-bench shell; the console of Windows has an editor of its own.
 if(NOT WIN32)
-  find_library(OSTREL_READLINE readline)
-  if(NOT OSTREL_READLINE OR NOT EXISTS /usr/include/readline/readline.h)
-    message(FATAL_ERROR "GNU readline is missing: run ./test or ./run, which install what the build needs")
+  find_library(OSTREL_LIBEDIT edit)
+  if(NOT OSTREL_LIBEDIT OR NOT EXISTS /usr/include/histedit.h)
+    message(FATAL_ERROR "libedit is missing: run ./test or ./run, which install what the build needs")
   endif()
-  add_library(dep_readline INTERFACE)
-  target_link_libraries(dep_readline INTERFACE ${OSTREL_READLINE})
+  add_library(dep_edit INTERFACE)
+  target_link_libraries(dep_edit INTERFACE ${OSTREL_LIBEDIT})
 endif()

@@ -16,7 +16,7 @@ cache=$root/.cache  # made once and kept; build/ may be wiped at any time
 #   tidy      the static analysis that tools/check-style --tidy makes
 packages_of() {
   case $1 in
-    build) echo g++ cmake ninja-build libxerces-c-dev libasio-dev libcli11-dev nlohmann-json3-dev libfmt-dev libreadline-dev ;;
+    build) echo g++ cmake ninja-build libxerces-c-dev libasio-dev libcli11-dev nlohmann-json3-dev libfmt-dev libedit-dev ;;
     test) echo googletest can-utils python3-can libbenchmark-dev clang-format-14 ;;
     windows) echo g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 wine64 fonts-wine googletest ;;
     screen) echo xvfb xauth imagemagick ;;
