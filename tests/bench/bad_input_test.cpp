@@ -19,14 +19,13 @@ class BadInput : public testing::Test {
     NTest::WriteFile(folder / "empty.seq", "");
     NTest::WriteFile(folder / "text.hpi", std::string(5000, 'x'));
   }
-  void TearDown() override { std::filesystem::remove_all(folder); }
 
   std::string In(const std::string& name) const { return NTest::Quoted(folder / name); }
 
   // One line on standard error that names what is at fault, nothing else anywhere.
   void Expect(const std::string& arguments, const std::string& named) {
     SCOPED_TRACE(arguments);
-    const NTest::Outcome outcome = NTest::RunBench(arguments, folder);
+    const NTest::Outcome outcome = NTest::RunBench(arguments);
     EXPECT_EQ(outcome.status, 2);
     EXPECT_EQ(outcome.output, "");
     EXPECT_THAT(outcome.errors, StartsWith("ostrel-bench: "));
@@ -35,9 +34,7 @@ class BadInput : public testing::Test {
     EXPECT_FALSE(std::filesystem::exists(folder / "new.log"));
   }
 
-  const std::filesystem::path folder =
-      std::filesystem::temp_directory_path() /
-      (std::string("ostrel-bench-") + testing::UnitTest::GetInstance()->current_test_info()->name());
+  const NTest::TestFolder folder;
 };
 
 TEST_F(BadInput, OnTheCommandLine) {

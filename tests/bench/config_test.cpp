@@ -13,7 +13,6 @@ using testing::HasSubstr;
 class Config : public testing::Test {
  protected:
   void SetUp() override {
-    std::filesystem::remove_all(folder);
     std::filesystem::create_directories(folder / "plant, old" / "sub");
     NTest::WriteFile(plant / "sub" / "net.dbc",
                      "VERSION \"\"\nBU_: Pump Valve\nBA_DEF_ BU_ \"CO_ID\" INT 0 127;\n"
@@ -23,9 +22,8 @@ class Config : public testing::Test {
                      "</Sequence><CyclicMsgs/></CANopenIG>");
     NTest::WriteFile(plant / "it.log", "(0.000000) can1 705#00\n(0.000100) can1 709#05\n");
   }
-  void TearDown() override { std::filesystem::remove_all(folder); }
 
-  NTest::Outcome Run(const std::string& arguments) const { return NTest::RunBench(arguments, folder); }
+  NTest::Outcome Run(const std::string& arguments) const { return NTest::RunBench(arguments); }
   // A configuration with a bus, and with the lines that are to stand in it.
   void Write(const std::string& bus, const std::string& more = "") const {
     NTest::WriteFile(file, R"({"format":1,"variant":"tesmond","language":1,"numberBase":10,
@@ -49,9 +47,7 @@ class Config : public testing::Test {
     EXPECT_EQ(std::count(outcome.errors.begin(), outcome.errors.end(), '\n'), 1) << outcome.errors;
   }
 
-  const path folder =
-      std::filesystem::temp_directory_path() /
-      (std::string("ostrel-config-") + testing::UnitTest::GetInstance()->current_test_info()->name());
+  const NTest::TestFolder folder;
   const path plant = folder / "plant, old", file = plant / "plant.json";
   const std::string config = "--config " + NTest::Quoted(file);
 };

@@ -12,12 +12,9 @@ using testing::StrEq;
 
 class Describe : public testing::Test {
  protected:
-  void SetUp() override { std::filesystem::create_directories(folder); }
-  void TearDown() override { std::filesystem::remove_all(folder); }
-
   NTest::Outcome Run(const std::string& content, const std::string& options) {
     NTest::WriteFile(file, content);
-    return NTest::RunBench("describe " + NTest::Quoted(file) + options, folder);
+    return NTest::RunBench("describe " + NTest::Quoted(file) + options);
   }
 
   // Warnings without the folder.
@@ -31,9 +28,7 @@ class Describe : public testing::Test {
     return text;
   }
 
-  const std::filesystem::path folder =
-      std::filesystem::temp_directory_path() /
-      (std::string("ostrel-describe-") + testing::UnitTest::GetInstance()->current_test_info()->name());
+  const NTest::TestFolder folder;
   const std::filesystem::path file = folder / "pump.eds";
 };
 
@@ -100,7 +95,7 @@ TEST_F(Describe, WhatCannotBeUsedIsOneLine) {
     EXPECT_THAT(outcome.errors, HasSubstr(row.named));
     EXPECT_EQ(std::count(outcome.errors.begin(), outcome.errors.end(), '\n'), 1) << outcome.errors;
   }
-  EXPECT_THAT(NTest::RunBench("describe none.eds", folder).errors, HasSubstr("none.eds: no such file"));
+  EXPECT_THAT(NTest::RunBench("describe none.eds").errors, HasSubstr("none.eds: no such file"));
 }
 
 TEST_F(Describe, ASimulatedDeviceIsWhatItsFileSays) {
@@ -112,7 +107,7 @@ TEST_F(Describe, ASimulatedDeviceIsWhatItsFileSays) {
       "AutoCANID=\"1\" Index=\"0x1014\" SubIndex=\"0x0\" Enabled=\"1\"/></Sequence></CANopenIG>");
   // The word as a whole: a path of Windows has a colon of its own.
   const auto outcome =
-      NTest::RunBench("play " + NTest::Quoted(sequence) + "--json --device 9:" + NTest::Quoted(file), folder);
+      NTest::RunBench("play " + NTest::Quoted(sequence) + "--json --device 9:" + NTest::Quoted(file));
   EXPECT_EQ(outcome.status, 0) << outcome.errors;
   EXPECT_EQ(json::parse(outcome.output)["transfers"][0]["data"], "89000000");
 }

@@ -12,21 +12,17 @@ const std::string kProgram = NTest::Quoted(OSTREL_BENCH_PROGRAM);
 class Interruption : public testing::Test {
  protected:
   void SetUp() override {
-    std::filesystem::create_directories(folder);
     NTest::WriteFile(folder / "it.seq",
                      R"(<CANopenIG><Sequence><PAUSE PauseMilliSec="30000" Enabled="1"/>
                         <SYNC COBID="0x81" Enabled="1"/></Sequence><CyclicMsgs>
                         <SYNC COBID="0x80" SendCycle="5" SendDelay="0" Enabled="1"/></CyclicMsgs></CANopenIG>)");
   }
-  void TearDown() override { std::filesystem::remove_all(folder); }
 
   int Shell(const std::string& command) {
     return NTest::RunShell("cd " + NTest::Quoted(folder) + "&& " + command);
   }
 
-  const std::filesystem::path folder =
-      std::filesystem::temp_directory_path() /
-      (std::string("ostrel-stop-") + testing::UnitTest::GetInstance()->current_test_info()->name());
+  const NTest::TestFolder folder;
 };
 
 TEST_F(Interruption, CtrlCStopsCleanlyWithAWholeLogAndASummary) {

@@ -13,18 +13,13 @@ using testing::HasSubstr;
 
 class Nodes : public testing::Test {
  protected:
-  void SetUp() override { std::filesystem::create_directories(folder); }
-  void TearDown() override { std::filesystem::remove_all(folder); }
-
-  const std::filesystem::path folder =
-      std::filesystem::temp_directory_path() /
-      (std::string("ostrel-nodes-") + testing::UnitTest::GetInstance()->current_test_info()->name());
+  const NTest::TestFolder folder;
   const std::filesystem::path database = folder / "net.dbc";
 };
 
 TEST_F(Nodes, OfTheDemonstrationAreListedWithoutAWarning) {
   const std::string arguments = "nodes --db " + NTest::Quoted(OSTREL_SOURCE_DIR "/examples/plant/plant.dbc");
-  const auto outcome = NTest::RunBench(arguments + "--json --can 3=virtual", folder);
+  const auto outcome = NTest::RunBench(arguments + "--json --can 3=virtual");
   EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(outcome.errors, "");
   const json document = json::parse(outcome.output);
@@ -44,7 +39,7 @@ TEST_F(Nodes, OfTheDemonstrationAreListedWithoutAWarning) {
                                        {"writable", false},
                                        {"label", "(ReadOnly) Device type"},
                                        {"value", "0x00020192"}}));
-  EXPECT_THAT(NTest::RunBench(arguments, folder).output,
+  EXPECT_THAT(NTest::RunBench(arguments).output,
               AllOf(HasSubstr("CAN 1 (CANopen)\n\nNode 5, Valves: "),
                     HasSubstr("  1008   00   var   (Const) Manufacturer device name       Valve terminal\n"),
                     HasSubstr("  TPDO 2: COB-ID 285h\n"), EndsWith("\n2 nodes\n")));
@@ -60,7 +55,7 @@ TEST_F(Nodes, FaultsOfTheFilesAreToldWithTheirPlace) {
   NTest::WriteFile(folder / "a.eds",
                    "[MandatoryObjects]\nSupportedObjects=1\n1=0x1000\n2=0x1001\n[1000]\nParameterName=Type\n"
                    "DataType=7\nAccessType=ro\nDefaultValue=0\n");
-  const auto outcome = NTest::RunBench("nodes --db " + NTest::Quoted(database), folder);
+  const auto outcome = NTest::RunBench("nodes --db " + NTest::Quoted(database));
   EXPECT_EQ(outcome.status, 0);
   EXPECT_THAT(outcome.output,
               AllOf(HasSubstr("CAN 1, J1939\n"), HasSubstr("Node 2, B: no description\n"),
@@ -75,7 +70,7 @@ TEST_F(Nodes, BadInputIsOneLine) {
   NTest::WriteFile(database, "no database");
   for (const auto& arguments : {"--db " + NTest::Quoted(database),
                                 "--db " + NTest::Quoted(folder / "none.dbc"), std::string("more.dbc")}) {
-    const auto outcome = NTest::RunBench("nodes " + arguments, folder);
+    const auto outcome = NTest::RunBench("nodes " + arguments);
     EXPECT_EQ(outcome.status, 2) << arguments;
     EXPECT_EQ(outcome.output, "");
     EXPECT_EQ(std::count(outcome.errors.begin(), outcome.errors.end(), '\n'), 1) << outcome.errors;

@@ -24,18 +24,13 @@ constexpr char kCyclicUnsendable[] =
 
 class Play : public testing::Test {
  protected:
-  void SetUp() override { std::filesystem::create_directories(folder); }
-  void TearDown() override { std::filesystem::remove_all(folder); }
-
   NTest::Outcome Run(const std::string& sequence, const std::string& cyclic, const std::string& options) {
     NTest::WriteFile(file, "<CANopenIG><Sequence>" + sequence + "</Sequence><CyclicMsgs>" + cyclic +
                                "</CyclicMsgs></CANopenIG>");
-    return NTest::RunBench("play " + NTest::Quoted(file) + options, folder);
+    return NTest::RunBench("play " + NTest::Quoted(file) + options);
   }
 
-  const std::filesystem::path folder =
-      std::filesystem::temp_directory_path() /
-      (std::string("ostrel-play-") + testing::UnitTest::GetInstance()->current_test_info()->name());
+  const NTest::TestFolder folder;
   const std::filesystem::path file = folder / "it.seq", log = folder / "it.log";
 };
 
@@ -116,7 +111,7 @@ TEST_F(Play, BothVariantsOfTheHostPlay) {
 }
 
 TEST(Help, NamesEveryOption) {
-  const std::string help = NTest::RunBench("play --help", std::filesystem::temp_directory_path()).output;
+  const std::string help = NTest::RunBench("play --help").output;
   for (const char* option : {"--can", "--channel", "--cyclic", "--for", "--delay", "--log", "--variant",
                              "--module", "--times", "--json", "Examples:", "virtual[:NAME]"}) {
     EXPECT_THAT(help, HasSubstr(option));
@@ -125,7 +120,7 @@ TEST(Help, NamesEveryOption) {
 
 TEST_F(Play, TransfersWithASimulatedDeviceAreOfEveryKind) {
   const std::string example = NTest::Quoted(OSTREL_SOURCE_DIR "/examples/sdo-transfers.seq");
-  const auto outcome = NTest::RunBench("play " + example + "--device 5 --json", folder);
+  const auto outcome = NTest::RunBench("play " + example + "--device 5 --json");
   EXPECT_EQ(outcome.status, 0) << outcome.errors;
   const json document = json::parse(outcome.output);
   std::vector<std::string> seen;

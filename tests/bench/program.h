@@ -4,6 +4,8 @@
 #include <filesystem>
 #include <string>
 
+#include "tests/test_folder.h"
+
 namespace NTest {
 
 struct Outcome {
@@ -15,11 +17,8 @@ struct Outcome {
 /// A path as an argument of a command line, with a blank behind it.
 std::string Quoted(const std::filesystem::path& path);
 
-/// Runs ostrel-bench with arguments written as on a command line. `folder` keeps what it prints.
-Outcome RunBench(const std::string& arguments, const std::filesystem::path& folder);
-
-std::string ReadFile(const std::filesystem::path& path);
-void WriteFile(const std::filesystem::path& path, const std::string& content);
+/// Runs ostrel-bench with arguments written as on a command line.
+Outcome RunBench(const std::string& arguments);
 
 /// A command for std::system, and the status that it gives for what a program has returned; once per
 /// platform.

@@ -14,18 +14,13 @@ using testing::MatchesRegex;
 
 class Scan : public testing::Test {
  protected:
-  void SetUp() override { std::filesystem::create_directories(folder); }
-  void TearDown() override { std::filesystem::remove_all(folder); }
-
   NTest::Outcome Play(const std::string& sequence, const std::string& cyclic, const std::string& options) {
     NTest::WriteFile(file, "<CANopenIG><Sequence>" + sequence + "</Sequence><CyclicMsgs>" + cyclic +
                                "</CyclicMsgs></CANopenIG>");
-    return NTest::RunBench("play " + NTest::Quoted(file) + options, folder);
+    return NTest::RunBench("play " + NTest::Quoted(file) + options);
   }
 
-  const std::filesystem::path folder =
-      std::filesystem::temp_directory_path() /
-      (std::string("ostrel-scan-") + testing::UnitTest::GetInstance()->current_test_info()->name());
+  const NTest::TestFolder folder;
   const std::filesystem::path file = folder / "it.seq", log = folder / "it.log";
 };
 
@@ -56,7 +51,7 @@ std::size_t Count(const std::string& text, const std::string& part) {
 
 TEST_F(Scan, JsonListsNodesByChannelAndNumber) {
   const auto outcome = NTest::RunBench(
-      "scan --can 2=virtual:a --can 1=virtual:b --channel 2 --device 9 --device 5 --for 0.3 --json", folder);
+      "scan --can 2=virtual:a --can 1=virtual:b --channel 2 --device 9 --device 5 --for 0.3 --json");
   EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(outcome.errors, "");
   const json document = json::parse(outcome.output);
@@ -69,7 +64,7 @@ TEST_F(Scan, JsonListsNodesByChannelAndNumber) {
 }
 
 TEST_F(Scan, EachChangeIsALineElsewhereThanOnATerminal) {
-  const auto outcome = NTest::RunBench("scan --device 5 --device 9 --for 0.3", folder);
+  const auto outcome = NTest::RunBench("scan --device 5 --device 9 --for 0.3");
   EXPECT_EQ(outcome.status, 0);
   EXPECT_THAT(std::regex_replace(outcome.output, std::regex("[0-9]+\\.[0-9]+"), "0.0"),
               testing::StrEq(" (0.0)  can1  node 5: heard, state Boot up\n"
@@ -78,8 +73,8 @@ TEST_F(Scan, EachChangeIsALineElsewhereThanOnATerminal) {
 }
 
 TEST_F(Scan, SendsNothing) {
-  const auto quiet = NTest::RunBench(
-      "scan --can 1=virtual:a --can 2=virtual:a --device 5 --for 0.3 --log " + NTest::Quoted(log), folder);
+  const auto quiet = NTest::RunBench("scan --can 1=virtual:a --can 2=virtual:a --device 5 --for 0.3 --log " +
+                                     NTest::Quoted(log));
   EXPECT_EQ(std::regex_replace(NTest::ReadFile(log), std::regex("\\([0-9.]+\\)"), "(time)"),
             "(time) can1 705#00\n(time) can2 705#00\n");
   EXPECT_THAT(quiet.output, testing::AllOf(HasSubstr("can1  node 5"), HasSubstr("can2  node 5")));
@@ -138,12 +133,12 @@ constexpr char kHostileLog[] = R"((0.000000) can1 705#00
 TEST_F(Scan, OfALogEndsWithItAndShowsNothingRaw) {
   NTest::WriteFile(log, kHostileLog);
   const std::string scan = "scan --can \"1=replay:" + log.string() + ",speed=max\" ";
-  const auto lines = NTest::RunBench(scan, folder);
+  const auto lines = NTest::RunBench(scan);
   EXPECT_EQ(lines.status, 0) << lines.errors;
   EXPECT_THAT(lines.output, HasSubstr("can1  node 5: name \"?c"));
   EXPECT_THAT(lines.output, HasSubstr("000350)  can1  node 5: state Preoperational\n"));
   EXPECT_EQ(Count(lines.output, "\n"), 6u) << lines.output;
-  const auto document = NTest::RunBench(scan + "--json", folder);
+  const auto document = NTest::RunBench(scan + "--json");
   const json node = json::parse(document.output)["nodes"][0];
   EXPECT_EQ(node["state"], 127);
   EXPECT_EQ(node["errorRegister"], 0x11);
@@ -154,7 +149,7 @@ TEST_F(Scan, OfALogEndsWithItAndShowsNothingRaw) {
 }
 
 TEST(ScanHelp, NamesEveryOption) {
-  const std::string help = NTest::RunBench("scan --help", std::filesystem::temp_directory_path()).output;
+  const std::string help = NTest::RunBench("scan --help").output;
   for (const char* option : {"--can", "--channel", "--device", "--for", "--log", "--variant", "--module",
                              "--json", "Exit status", "Examples:", "virtual[:NAME]"}) {
     EXPECT_THAT(help, HasSubstr(option));
@@ -167,14 +162,14 @@ TEST_F(Scan, TheDatabaseNamesNodesThatHaveNotToldTheirName) {
                    "VERSION \"\"\nBU_: Pump Valve\nBA_DEF_ BU_ \"CO_ID\" INT 0 127;\n"
                    "BA_ \"CO_ID\" BU_ Pump 5;\nBA_ \"CO_ID\" BU_ Valve 9;\n");
   const auto outcome =
-      NTest::RunBench("scan --json --for 0.2 --device 5 --device 7 --db " + NTest::Quoted(database), folder);
+      NTest::RunBench("scan --json --for 0.2 --device 5 --device 7 --db " + NTest::Quoted(database));
   EXPECT_EQ(outcome.status, 0) << outcome.errors;
   const json nodes = json::parse(outcome.output)["nodes"];
   ASSERT_EQ(nodes.size(), 2u);
   EXPECT_EQ(nodes[0]["name"], "Pump");
   EXPECT_TRUE(nodes[1]["name"].is_null());
 
-  const auto missing = NTest::RunBench("scan --for 0.2 --db " + NTest::Quoted(folder / "none.dbc"), folder);
+  const auto missing = NTest::RunBench("scan --for 0.2 --db " + NTest::Quoted(folder / "none.dbc"));
   EXPECT_EQ(missing.status, 2);
   EXPECT_THAT(missing.errors, HasSubstr("none.dbc"));
 }

@@ -14,27 +14,13 @@ using testing::StrEq;
 
 class Shell : public testing::Test {
  protected:
-  void SetUp() override { std::filesystem::create_directories(folder); }
-  // Wine closes the files of a program a moment after its end.
-  void TearDown() override {
-    std::error_code error;
-    for (int turn = 0; turn < 100; ++turn) {
-      std::filesystem::remove_all(folder, error);
-      if (!error) return;
-      std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    }
-    ADD_FAILURE() << error.message();
-  }
-
   NTest::Outcome Run(const std::string& lines, const std::string& options, bool piped = true) {
     NTest::WriteFile(script, lines);
     const std::string file = NTest::Quoted(script);
-    return NTest::RunBench("shell " + options + (piped ? " < " + file : " " + file), folder);
+    return NTest::RunBench("shell " + options + (piped ? " < " + file : " " + file));
   }
 
-  const std::filesystem::path folder =
-      std::filesystem::temp_directory_path() /
-      (std::string("ostrel shell ") + testing::UnitTest::GetInstance()->current_test_info()->name());
+  const NTest::TestFolder folder;
   const std::filesystem::path script = folder / "it.txt";
 };
 

@@ -9,6 +9,7 @@
 #include "host/runtime/text.h"
 #include "tests/buses/listener.h"
 #include "tests/host/virtual_loop.h"
+#include "tests/test_folder.h"
 
 namespace {
 
@@ -20,17 +21,12 @@ using testing::IsEmpty;
 
 class Replay : public testing::Test {
  protected:
-  void SetUp() override { std::filesystem::create_directories(folder); }
-  void TearDown() override { std::filesystem::remove_all(folder); }
-
   std::string Write(const std::string& content) const {
     std::ofstream(folder / "it.log", std::ios::binary) << content;
     return "replay:" + NRuntime::PathText(folder / "it.log");
   }
 
-  const std::filesystem::path folder =
-      std::filesystem::temp_directory_path() /
-      (std::string("ostrel-replay-") + testing::UnitTest::GetInstance()->current_test_info()->name());
+  const NTest::TestFolder folder;
   NTest::VirtualLoop loop;
   NBuses::BusFactory factory{loop};
   NTest::Listener one, two;
@@ -128,7 +124,7 @@ TEST_F(Replay, BadInputIsNamed) {
   const auto max = whole.Make(file + ",speed=max");
   EXPECT_THAT(Refusal([&] { whole.Make(file); }), HasSubstr("sets its own with speed=max"));
   EXPECT_NO_THROW(whole.Make("virtual"));
-  for (const std::filesystem::path& path : {folder, folder / "none.log"}) {
+  for (const std::filesystem::path& path : {folder.Path(), folder / "none.log"}) {
     const auto port = factory.Make("replay:" + NRuntime::PathText(path));
     EXPECT_THAT(Refusal([&] { port->Open(one); }), HasSubstr(NRuntime::PathText(path) + ": no"));
   }

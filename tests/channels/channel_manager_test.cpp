@@ -5,6 +5,7 @@
 
 #include "channels/channel_manager.h"
 #include "tests/channels/database_host.h"
+#include "tests/test_folder.h"
 
 namespace {
 
@@ -21,15 +22,11 @@ std::string Text(const std::string& value) {
 
 class ChannelManager : public testing::Test {
  protected:
-  ChannelManager() {
-    std::filesystem::create_directories(folder);
-    NCommon::SetHostApplication(host.Get());
-  }
+  ChannelManager() { NCommon::SetHostApplication(host.Get()); }
   ~ChannelManager() override {
     NChannels::ReleaseChannelManager();
     EXPECT_FALSE(host->sink) << "the host is let go";
     NCommon::SetHostApplication(nullptr);
-    std::filesystem::remove_all(folder);
   }
 
   void AddDatabase(const std::string& attributes, std::uint32_t channel) {
@@ -56,7 +53,7 @@ class ChannelManager : public testing::Test {
     return texts;
   }
 
-  const std::filesystem::path folder = std::filesystem::temp_directory_path() / "ostrel channels test";
+  const NTest::TestFolder folder;
   NCom::ComPtr<NTest::DatabaseHost> host = NCom::Make<NTest::DatabaseHost>();
 };
 

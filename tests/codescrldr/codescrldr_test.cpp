@@ -6,6 +6,7 @@
 
 #include "host/runtime/library_objects.h"
 #include "host/runtime/text.h"
+#include "tests/test_folder.h"
 
 namespace {
 
@@ -59,9 +60,6 @@ std::string Bytes(const Value& value) {
 
 class Descriptions : public testing::Test {
  protected:
-  void SetUp() override { std::filesystem::create_directories(folder); }
-  void TearDown() override { std::filesystem::remove_all(folder); }
-
   std::uint32_t Load(const std::string& content) {
     std::ofstream(file, std::ios::binary) << content;
     return loader->Load(file.wstring().c_str());
@@ -97,9 +95,7 @@ class Descriptions : public testing::Test {
     return sub;
   }
 
-  const std::filesystem::path folder =
-      std::filesystem::temp_directory_path() /
-      (std::string("ostrel-eds-") + testing::UnitTest::GetInstance()->current_test_info()->name());
+  const NTest::TestFolder folder;
   const std::filesystem::path file = folder / "it.eds";
   const ComPtr<ZCODescrLdr> loader = NRuntime::MakeDescriptionLoader(OSTREL_PROGRAMS);
 };
@@ -346,7 +342,7 @@ TEST_F(Descriptions, FilesThatAreNoneLeaveNothing) {
   EXPECT_THAT(Findings(),
               ElementsAre(" not a device description: it has neither objects nor a list of objects"));
   EXPECT_EQ(loader->Load((folder / "none.eds").wstring().c_str()), kFileMissing);
-  EXPECT_EQ(loader->Load(folder.wstring().c_str()), kFileUnreadable);
+  EXPECT_EQ(loader->Load(folder.Path().wstring().c_str()), kFileUnreadable);
   std::filesystem::resize_file(file, (64u << 20) + 1);
   EXPECT_EQ(loader->Load(file.wstring().c_str()), kFileTooLarge);
 }

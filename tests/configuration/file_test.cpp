@@ -6,6 +6,7 @@
 
 #include "host/buses/bus_name.h"
 #include "host/configuration/document_paths.h"
+#include "tests/test_folder.h"
 
 namespace {
 
@@ -16,22 +17,12 @@ using testing::HasSubstr;
 class ConfigurationFile : public testing::Test {
  protected:
   void SetUp() override { std::filesystem::create_directories(folder / "sub"); }
-  void TearDown() override { std::filesystem::remove_all(folder); }
 
-  static std::string Read(const path& name) {
-    std::ifstream stream(name, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-  }
-  static void Write(const path& name, const std::string& text) {
-    std::ofstream(name, std::ios::binary) << text;
-  }
   std::ptrdiff_t CountFiles() const {
     return std::distance(std::filesystem::directory_iterator(folder), {}) - 1;  // "sub" is none
   }
 
-  const path folder =
-      std::filesystem::temp_directory_path() /
-      (std::string("ostrel, configuration ") + testing::UnitTest::GetInstance()->current_test_info()->name());
+  const NTest::TestFolder folder;
   const path file = folder / path(u8"größe.json");
 };
 
@@ -56,7 +47,7 @@ Document SmallDocument() {
 }
 
 TEST_F(ConfigurationFile, ReplacesAnOlderOneInOneStep) {
-  Write(file, "old");
+  NTest::WriteFile(file, "old");
   std::filesystem::permissions(file,
                                std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
   const auto rights = std::filesystem::status(file).permissions();
@@ -67,7 +58,7 @@ TEST_F(ConfigurationFile, ReplacesAnOlderOneInOneStep) {
 }
 
 TEST_F(ConfigurationFile, StaysAsItIsWhenANewOneCannotBeSaved) {
-  Write(file, "old");
+  NTest::WriteFile(file, "old");
   Document twice = SmallDocument();
   twice.channels[1].number = 1;
   EXPECT_THAT(Refusal([&] { Save(twice, file); }),
@@ -78,7 +69,7 @@ TEST_F(ConfigurationFile, StaysAsItIsWhenANewOneCannotBeSaved) {
   Document noText = SmallDocument();
   noText.blocks = {{"x", {{"Name", "\xFF"}}}};
   EXPECT_THAT(Refusal([&] { Save(noText, file); }), HasSubstr("no UTF-8 text"));
-  EXPECT_EQ(Read(file), "old");
+  EXPECT_EQ(NTest::ReadFile(file), "old");
   EXPECT_THAT(Refusal([&] { Save(SmallDocument(), folder / "sub"); }), HasSubstr("sub: cannot be saved"));
   EXPECT_THAT(Refusal([&] { Save(SmallDocument(), folder / "none" / "x.json"); }),
               HasSubstr("x.json: cannot"));
@@ -87,23 +78,23 @@ TEST_F(ConfigurationFile, StaysAsItIsWhenANewOneCannotBeSaved) {
 
 TEST_F(ConfigurationFile, IsRefusedWithThePlaceAndLeftUntouched) {
   const std::string text = "{\n  \"format\": 1,\n  \"a\\u001Bb\": [{}],\n";
-  Write(file, text);
+  NTest::WriteFile(file, text);
   EXPECT_THAT(Refusal([&] { Load(file); }), HasSubstr(".json:4:1: unexpected end of input"));
-  EXPECT_EQ(Read(file), text);
-  Write(file, text + "  \"language\": 0\n}\n");
+  EXPECT_EQ(NTest::ReadFile(file), text);
+  NTest::WriteFile(file, text + "  \"language\": 0\n}\n");
   const LoadedDocument loaded = Inspect(file);
   EXPECT_EQ(loaded.faults.size(), 5u);
   EXPECT_THAT(loaded.faults, testing::Contains(HasSubstr(".json:3: unknown key \"a?b\"")));
   EXPECT_THAT(loaded.faults, testing::Contains(HasSubstr(".json:4: /language: 0 is not in the range")));
-  Write(file, std::string(5 << 20, ' '));
+  NTest::WriteFile(file, std::string(5 << 20, ' '));
   EXPECT_THAT(Refusal([&] { Load(file); }), HasSubstr(".json: more than 4 MiB"));
   EXPECT_THAT(Refusal([&] { Load(folder); }), HasSubstr("a directory"));
   EXPECT_THAT(Refusal([&] { Load(folder / "none.json"); }), HasSubstr("none.json: no such file"));
 }
 
 TEST_F(ConfigurationFile, FindsItsFilesFromWhereverItIs) {
-  Write(folder / "sub" / "a.log", "");
-  Write(folder / "net.dbc", "");
+  NTest::WriteFile(folder / "sub" / "a.log", "");
+  NTest::WriteFile(folder / "net.dbc", "");
   const Document resolved = Resolved(SmallDocument(), FolderOf(file));
   EXPECT_EQ(resolved.channels[0].databases[0], folder / "net.dbc");
   EXPECT_EQ(resolved.channels[1].bus, "virtual");

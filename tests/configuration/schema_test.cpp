@@ -8,16 +8,14 @@
 #include <regex>
 
 #include "host/configuration/document_text.h"
+#include "tests/test_folder.h"
 
 namespace {
 
 using namespace NConfiguration;
 using Json = nlohmann::ordered_json;
 
-std::string Read(const std::string& name) {
-  std::ifstream stream(OSTREL_SOURCE_DIR "/" + name, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), {}};
-}
+std::string Read(const std::string& name) { return NTest::ReadFile(OSTREL_SOURCE_DIR "/" + name); }
 
 // As much of a validator as the schema needs.
 class Schema {

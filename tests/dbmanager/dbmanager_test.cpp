@@ -6,6 +6,7 @@
 #include "host/runtime/configuration.h"
 #include "host/runtime/library_objects.h"
 #include "host/runtime/text.h"
+#include "tests/test_folder.h"
 
 namespace {
 
@@ -38,9 +39,6 @@ std::optional<std::string> TextOf(ICanAttributes& object, const wchar_t* name) {
 
 class Databases : public testing::Test {
  protected:
-  void SetUp() override { std::filesystem::create_directories(folder); }
-  void TearDown() override { std::filesystem::remove_all(folder); }
-
   ComPtr<ICanDatabase> Open(const std::string& content) {
     std::ofstream(file, std::ios::binary) << content;
     ComPtr<ICanDatabase> database;
@@ -63,9 +61,7 @@ class Databases : public testing::Test {
     return all;
   }
 
-  const std::filesystem::path folder =
-      std::filesystem::temp_directory_path() /
-      (std::string("ostrel-dbc-") + testing::UnitTest::GetInstance()->current_test_info()->name());
+  const NTest::TestFolder folder;
   const std::filesystem::path file = folder / "it.dbc";
   const ComPtr<IDatabaseManager> manager = NRuntime::MakeDatabaseManager(OSTREL_PROGRAMS);
   HRESULT result = S_OK;
@@ -242,7 +238,7 @@ TEST_F(Databases, FilesThatAreNoneAreRefused) {
   EXPECT_EQ(Text(*manager, &IDatabaseManager::GetFailure),
             NRuntime::PathText(file) + ": not a DBC file: it has no section of one");
   ComPtr<ICanDatabase> database;
-  EXPECT_EQ(manager->OpenFile(folder.wstring().c_str(), database.Out()), kDatabaseUnreadable);
+  EXPECT_EQ(manager->OpenFile(folder.Path().wstring().c_str(), database.Out()), kDatabaseUnreadable);
   EXPECT_EQ(manager->OpenFile((folder / "none.dbc").wstring().c_str(), database.Out()), kDatabaseMissing);
   EXPECT_THAT(Text(*manager, &IDatabaseManager::GetFailure), HasSubstr("none.dbc: no such file"));
   std::filesystem::resize_file(file, (32u << 20) + 1);

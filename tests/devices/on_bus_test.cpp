@@ -9,6 +9,7 @@
 #include "host/runtime/text.h"
 #include "tests/devices/bench.h"
 #include "tests/host/virtual_loop.h"
+#include "tests/test_folder.h"
 
 namespace {
 
@@ -190,8 +191,8 @@ DefaultValue=Pump
 )";
 
 TEST_F(OnBus, ADescribedDeviceHasItsObjects) {
-  const auto file = std::filesystem::temp_directory_path() / "ostrel-described-device.eds";
-  std::ofstream(file) << kPumpEds;
+  const NTest::TestFolder folder;
+  const auto file = NTest::WriteFile(folder / "pump.eds", kPumpEds);
   const auto device = Attach("5:" + NRuntime::PathText(file));
   std::filesystem::remove(file);
   device->PowerOn();

@@ -1,45 +1,29 @@
 #pragma once
 // Files and a shorthand for tests of typed data.
 
-#include <gtest/gtest.h>
-
 #include <cstdint>
 #include <filesystem>
-#include <fstream>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "editors/typed_data.h"
+#include "tests/test_folder.h"
 
 namespace NTests {
 
 using Bytes = std::vector<std::uint8_t>;
 
-// A folder with files of known contents, removed at the end.
-class DataFolder {
- public:
+// With files of known contents.
+struct DataFolder : NTest::TestFolder {
   DataFolder() {
-    const auto* test = testing::UnitTest::GetInstance()->current_test_info();
-    mPath = std::filesystem::temp_directory_path() / (std::string("ostrel-editors-") + test->name());
-    std::filesystem::remove_all(mPath);
-    std::filesystem::create_directories(mPath / "folder");
     Write("four.bin", "\x01\xFFz\n");
     Write("empty.bin", "");
     Write("folder/inner.bin", "in");
   }
-  ~DataFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(mPath, ignored);
-  }
-  const std::filesystem::path& Path() const { return mPath; }
-
   void Write(const char* name, const std::string& contents) const {
-    std::ofstream(mPath / name, std::ios::binary) << contents;
+    NTest::WriteFile(*this / name, contents);
   }
-
- private:
-  std::filesystem::path mPath;
 };
 
 // What a text is encoded into; a failure must leave the result untouched.

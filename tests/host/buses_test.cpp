@@ -8,6 +8,7 @@
 #include "host/buses/candump.h"
 #include "host/buses/log_writer.h"
 #include "tests/host/virtual_loop.h"
+#include "tests/test_folder.h"
 
 namespace {
 
@@ -107,17 +108,7 @@ TEST(Candump, FramesInBothForms) {
 
 class Logs : public testing::Test {
  protected:
-  void SetUp() override { std::filesystem::create_directories(folder); }
-  void TearDown() override { std::filesystem::remove_all(folder); }
-
-  static std::string Content(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
-
-  const std::filesystem::path folder =
-      std::filesystem::temp_directory_path() /
-      (std::string("ostrel-logs-") + testing::UnitTest::GetInstance()->current_test_info()->name());
+  const NTest::TestFolder folder;
 };
 
 TEST_F(Logs, EachLineIsInTheFileAtOnce) {
@@ -126,7 +117,7 @@ TEST_F(Logs, EachLineIsInTheFileAtOnce) {
   NBuses::LogWriter log(path);
   log.Write(std::chrono::seconds(5), 1, kData);
   log.Write(std::chrono::seconds(6), 2, kRemote);
-  EXPECT_EQ(Content(path), "(0000000005.000000) can1 05A#0FA000\n(0000000006.000000) can2 705#R1\n");
+  EXPECT_EQ(NTest::ReadFile(path), "(0000000005.000000) can1 05A#0FA000\n(0000000006.000000) can2 705#R1\n");
 }
 
 TEST_F(Logs, AFileThatCannotBeCreatedIsNamed) {

@@ -7,6 +7,7 @@
 #include "com/task_text.h"
 #include "ig/generator_node.h"
 #include "tests/ig/fake_host.h"
+#include "tests/test_folder.h"
 
 namespace {
 
@@ -53,14 +54,12 @@ class Events final : public NCom::Implements<NSdk::IGeneratorEvents> {
 class GeneratorNode : public testing::Test {
  protected:
   GeneratorNode() {
-    std::filesystem::create_directories(folder);
     node->Attach(site.Get());
     node->SetEvents(events.Get());
   }
   ~GeneratorNode() override {
     node->Detach();
     NCommon::SetHostApplication(nullptr);
-    std::filesystem::remove_all(folder);
   }
 
   std::filesystem::path Write(const char* name, const std::string& text) const {
@@ -73,9 +72,7 @@ class GeneratorNode : public testing::Test {
     return caption.Text();
   }
 
-  std::filesystem::path folder =
-      std::filesystem::temp_directory_path() /
-      ("ostrel-node-" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()));
+  const NTest::TestFolder folder;
   ComPtr<NTest::FakeHost> host = NCom::Make<NTest::FakeHost>();
   ComPtr<Site> site = NCom::Make<Site>();
   ComPtr<Events> events = NCom::Make<Events>();

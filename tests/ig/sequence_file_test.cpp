@@ -8,6 +8,7 @@
 #include "canopen/flow_items.h"
 #include "canopen/message_items.h"
 #include "ig/sequence_file_text.h"
+#include "tests/test_folder.h"
 
 namespace NIg {
 namespace {
@@ -19,11 +20,6 @@ using testing::IsEmpty;
 using testing::SizeIs;
 
 namespace fs = std::filesystem;
-
-std::string Content(const fs::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
 
 // Kind, attributes line, and whether it is switched off: all that a row of a list shows.
 std::vector<std::string> Rows(const ItemList& items) {
@@ -103,7 +99,7 @@ TEST_F(SequenceFile, WritesAndReadsTheSample) {
   ASSERT_EQ(Save(), 1);
   EXPECT_EQ(mFault, "");
   const fs::path sample = fs::path(OSTREL_TEST_DATA) / "seq" / "all_kinds.seq";
-  EXPECT_EQ(Content(mPath), Content(sample));
+  EXPECT_EQ(NTest::ReadFile(mPath), NTest::ReadFile(sample));
 
   ItemList sequence;
   ItemList cyclic;
@@ -129,8 +125,8 @@ TEST_F(SequenceFile, WritesAndReadsTheSample) {
 
 TEST_F(SequenceFile, WritesEmptyLists) {
   ASSERT_EQ(Save(), 1);
-  EXPECT_THAT(Content(mPath), HasSubstr("<Sequence/>\r\n"));
-  EXPECT_THAT(Content(mPath), HasSubstr("<CyclicMsgs/>\r\n"));
+  EXPECT_THAT(NTest::ReadFile(mPath), HasSubstr("<Sequence/>\r\n"));
+  EXPECT_THAT(NTest::ReadFile(mPath), HasSubstr("<CyclicMsgs/>\r\n"));
   EXPECT_EQ(Load(), 1) << mFault;
 }
 

@@ -5,6 +5,7 @@
 
 #include "ig/remembered_sequence.h"
 #include "ig/settings_form.h"
+#include "tests/test_folder.h"
 
 namespace {
 
@@ -43,7 +44,7 @@ TEST(SettingsForm, ChecksFieldByField) {
 }
 
 TEST(RememberedSequence, IsFoundBesideAConfigurationThatMoved) {
-  const fs::path folder = fs::temp_directory_path() / "ostrel remembered";
+  const NTest::TestFolder folder;
   const fs::path there = folder / "there" / "project";
   fs::create_directories(there / "sequences");
   std::ofstream(there / "sequences" / "a.seq") << "\n";
@@ -62,7 +63,6 @@ TEST(RememberedSequence, IsFoundBesideAConfigurationThatMoved) {
   sequence.Remember(there / "sequences" / "a.seq", {});
   sequence.ConfigurationMoved(folder / "copy.json");
   EXPECT_EQ(fs::path(sequence.relative).generic_string(), "there/project/sequences/a.seq");
-  fs::remove_all(folder);
 }
 
 }  // namespace

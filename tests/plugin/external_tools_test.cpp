@@ -8,6 +8,7 @@
 #include "plugin/external_tools.h"
 #include "plugin/language.h"
 #include "tests/ig/fake_host.h"
+#include "tests/test_folder.h"
 
 namespace NTest {
 namespace {
@@ -44,7 +45,6 @@ class ExternalTools : public testing::Test {
  protected:
   ExternalTools() {
     NCommon::SetHostApplication(host.Get());
-    std::filesystem::create_directories(folder);
     NPlugin::SetProgramStarter([this](const ProgramStart& start) {
       starts.push_back(start.program.filename().string() + "|" + start.parameters);
       programs.push_back(start);
@@ -54,10 +54,9 @@ class ExternalTools : public testing::Test {
   ~ExternalTools() override {
     NPlugin::SetProgramStarter(nullptr);
     NCommon::SetHostApplication(nullptr);
-    std::filesystem::remove_all(folder);
   }
 
-  const std::filesystem::path folder = std::filesystem::temp_directory_path() / "ostrel tools test";
+  const NTest::TestFolder folder;
   const std::filesystem::path tools = NCommon::HostProgram().parent_path().parent_path() / "CANopen" / "";
   NCom::ComPtr<ToolHost> host = NCom::Make<ToolHost>();
   std::size_t failures = 0;
@@ -87,8 +86,8 @@ TEST_F(ExternalTools, BrackwellGetsTheFolderThatHoldsItsFile) {
   host->language = 0;
   NPlugin::StartBrackwell();
   EXPECT_THAT(starts, ElementsAre("brk.exe|-f \"\"" + ending, "brk.exe|-f \"\"" + ending,
-                                  "brk.exe|-f \"" + folder.string() + "\"" + ending,
-                                  "brk.exe|-f \"" + folder.string() + "\"" + ending));
+                                  "brk.exe|-f \"" + folder.Path().string() + "\"" + ending,
+                                  "brk.exe|-f \"" + folder.Path().string() + "\"" + ending));
   EXPECT_EQ(programs[0].folder, tools);
 }
 

@@ -8,6 +8,7 @@
 #include "sdk/class_ids.h"
 #include "sdk/scanner.h"
 #include "tests/plugin/host.h"
+#include "tests/test_folder.h"
 
 namespace {
 
@@ -209,7 +210,8 @@ TEST(HostLife, BlocksAreInsertedAndCommandsReachTheBus) {
 }
 
 TEST(HostLife, NodesOfTheDatabasesHaveCommandsOfTheirOwn) {
-  const auto database = std::filesystem::temp_directory_path() / "ostrel menu nodes.dbc";
+  const NTest::TestFolder folder;
+  const auto database = folder / "net.dbc";
   std::ofstream stream(database);
   stream << "VERSION \"\"\nBU_: A B C D E F G H I J K\nBA_DEF_ BU_ \"CO_ID\" INT 0 127;\n";
   for (int node = 0; node < 11; ++node) {
@@ -241,7 +243,6 @@ TEST(HostLife, NodesOfTheDatabasesHaveCommandsOfTheirOwn) {
   host.application->Commands().CommandsShown();
   EXPECT_EQ(host.State(L"CANopen.Stop.1"), 2u);
   EXPECT_EQ(caption(L"CANopen.Stop.1"), L"Send CANopen NMT Stop");
-  std::filesystem::remove(database);
 }
 
 TEST(HostLife, ContextMenuOffersWhatFitsTheSelection) {

@@ -11,6 +11,7 @@
 #include "sdk/persistence.h"
 #include "sdk/scanner.h"
 #include "tests/plugin/host.h"
+#include "tests/test_folder.h"
 
 namespace {
 
@@ -25,9 +26,8 @@ HRESULT CanUnload(const std::filesystem::path& file) {
 }
 
 TEST(TwoHosts, WithACopyOfTheModuleEachDoNotMeet) {
-  const auto folder = std::filesystem::temp_directory_path() / "ostrel two hosts";
+  const NTest::TestFolder folder;
   const auto copy = folder / "Copy.hpi";
-  std::filesystem::create_directories(folder);
   std::filesystem::copy_file(OSTREL_MODULE, copy, std::filesystem::copy_options::overwrite_existing);
   {
     Host first(NSdk::kHostHalvard);
@@ -49,7 +49,6 @@ TEST(TwoHosts, WithACopyOfTheModuleEachDoNotMeet) {
   }
   EXPECT_EQ(CanUnload(OSTREL_MODULE), S_OK);
   EXPECT_EQ(CanUnload(copy), S_OK);
-  std::filesystem::remove_all(folder);
 }
 
 // There is one plug-in object: it belongs to the host that was the last to come.

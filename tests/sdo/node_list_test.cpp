@@ -7,6 +7,7 @@
 #include "channels/channel_manager.h"
 #include "sdk/database_library.h"
 #include "tests/channels/database_host.h"
+#include "tests/test_folder.h"
 
 namespace {
 
@@ -97,7 +98,6 @@ class NodeList : public testing::Test {
   ~NodeList() override {
     NChannels::ReleaseChannelManager();
     NCommon::SetHostApplication(nullptr);
-    fs::remove_all(folder);
   }
 
   void AddDatabase(const std::string& name, const std::string& nodes, const std::string& values,
@@ -110,9 +110,7 @@ class NodeList : public testing::Test {
   }
 
   // Of this test alone: others run beside it.
-  const fs::path folder =
-      fs::temp_directory_path() /
-      (std::string("ostrel node list ") + testing::UnitTest::GetInstance()->current_test_info()->name());
+  const NTest::TestFolder folder;
   NCom::ComPtr<NTest::DatabaseHost> host = NCom::Make<NTest::DatabaseHost>();
 };
 

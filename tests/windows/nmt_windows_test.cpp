@@ -1,10 +1,9 @@
 #include <gmock/gmock.h>
 
-#include <fstream>
-
 #include "resources/resource_ids.h"
 #include "sdk/class_ids.h"
 #include "sdk/commands.h"
+#include "tests/test_folder.h"
 #include "tests/windows/window_host.h"
 
 namespace NTest {
@@ -19,15 +18,6 @@ class NmtWindowTest : public testing::Test {
   ~NmtWindowTest() override {
     NRuntime::Query<NSdk::IRTClient>(block)->StopMeasurement();
     NRuntime::Query<NSdk::IPlugInBlock>(block)->Detach();
-    std::filesystem::remove(database);
-  }
-
-  static std::filesystem::path Database() {
-    const auto path = std::filesystem::temp_directory_path() /
-                      ("ostrel nmt window " + std::to_string(GetCurrentProcessId()) + ".dbc");
-    std::ofstream(path) << "VERSION \"\"\nBU_: Drive R_D\nBA_DEF_ BU_ \"CO_ID\" INT 0 127;\n"
-                           "BA_ \"CO_ID\" BU_ Drive 5;\nBA_ \"CO_ID\" BU_ R_D 3;\n";
-    return path;
   }
 
   /// Opens the dialog by a command and closes it when `drive` is through.
@@ -51,8 +41,11 @@ class NmtWindowTest : public testing::Test {
     return texts;
   }
 
-  std::filesystem::path database = Database();
-  WindowHost host{NSdk::kHostHalvard, database};
+  const TestFolder folder;
+  WindowHost host{NSdk::kHostHalvard,
+                  WriteFile(folder / "net.dbc",
+                            "VERSION \"\"\nBU_: Drive R_D\nBA_DEF_ BU_ \"CO_ID\" INT 0 127;\n"
+                            "BA_ \"CO_ID\" BU_ Drive 5;\nBA_ \"CO_ID\" BU_ R_D 3;\n")};
   ComPtr<IUnknown> block = host.AddBlock(NSdk::kProgIdCANopenIG);
 };
 
