@@ -1,8 +1,7 @@
 #include "canopen/item.h"
 
-#include <fmt/printf.h>
-
 #include "canopen/record_item.h"
+#include "resources/print.h"
 
 namespace NCanopen {
 
@@ -16,6 +15,6 @@ bool EditItem(ZMsgItemInfo& item, void* parentWindow, const EditContext* context
   return gEditors != nullptr && gEditors->Edit(item, parentWindow, context);
 }
 
-std::string MillisecondsText(std::uint32_t milliseconds) { return fmt::sprintf("%lu ms", milliseconds); }
+std::string MillisecondsText(std::uint32_t milliseconds) { return NResources::Print("%lu ms", milliseconds); }
 
 }  // namespace NCanopen

@@ -1,6 +1,5 @@
 #include "canopen/message_items.h"
-
-#include <fmt/printf.h>
+#include "resources/print.h"
 
 namespace NCanopen {
 
@@ -23,9 +22,9 @@ ZPDOItemInfo::ZPDOItemInfo(const bool* hexDisplay, std::uint32_t nodeId, std::ui
 
 std::string ZPDOItemInfo::GetAttributesText() const {
   // The missing blank of the decimal line is part of the text.
-  return fmt::sprintf(ShowsHexadecimal() ? "Node-ID %lu, COBID %s, DLC %lu, Data %s"
-                                         : "Node-ID %lu, COBID %s, DLC %lu,Data %s",
-                      record.nodeId, CobIdText(record.cobId), record.dlc, record.data);
+  return NResources::Print(ShowsHexadecimal() ? "Node-ID %lu, COBID %s, DLC %lu, Data %s"
+                                              : "Node-ID %lu, COBID %s, DLC %lu,Data %s",
+                           record.nodeId, CobIdText(record.cobId), record.dlc, record.data);
 }
 
 ZSDOItemInfo::ZSDOItemInfo(const bool* hexDisplay, std::uint32_t nodeId, std::uint32_t cobId)
@@ -36,12 +35,12 @@ ZSDOItemInfo::ZSDOItemInfo(const bool* hexDisplay, std::uint32_t nodeId, std::ui
 
 std::string ZSDOItemInfo::GetAttributesText() const {
   const bool upload = record.upload != 0;
-  std::string address = fmt::sprintf(ShowsHexadecimal() ? "%s, Node-ID %lu, COBID %s, Object %Xsub%X"
-                                                        : "%s, Node-ID %lu, COBID %s, Object %Xsub%lu",
-                                     upload ? "Upload" : "Download", record.nodeId, CobIdText(record.cobIdTx),
-                                     record.index, record.subIndex);
+  std::string address = NResources::Print(ShowsHexadecimal() ? "%s, Node-ID %lu, COBID %s, Object %Xsub%X"
+                                                             : "%s, Node-ID %lu, COBID %s, Object %Xsub%lu",
+                                          upload ? "Upload" : "Download", record.nodeId,
+                                          CobIdText(record.cobIdTx), record.index, record.subIndex);
   if (upload) return address;
-  return fmt::sprintf("%s, Size %lu, Data %s", address, record.objectSize, record.data);
+  return NResources::Print("%s, Size %lu, Data %s", address, record.objectSize, record.data);
 }
 
 ZNMTItemInfo::ZNMTItemInfo(const bool* hexDisplay, std::uint32_t nodeId) : MessageItem(hexDisplay) {
@@ -49,12 +48,12 @@ ZNMTItemInfo::ZNMTItemInfo(const bool* hexDisplay, std::uint32_t nodeId) : Messa
 }
 
 std::string ZNMTItemInfo::GetAttributesText() const {
-  return fmt::sprintf(ShowsHexadecimal() ? "Node-ID %lu, CS %X" : "Node-ID %lu, CS %lu",
-                      unsigned{record.nodeId}, unsigned{record.command});
+  return NResources::Print(ShowsHexadecimal() ? "Node-ID %lu, CS %X" : "Node-ID %lu, CS %lu", record.nodeId,
+                           record.command);
 }
 
 std::string ZSyncItemInfo::GetAttributesText() const {
-  return fmt::sprintf("COBID %s", CobIdText(record.cobId));
+  return NResources::Print("COBID %s", CobIdText(record.cobId));
 }
 
 ZEmcyItemInfo::ZEmcyItemInfo(const bool* hexDisplay, std::uint32_t nodeId) : MessageItem(hexDisplay) {
@@ -64,11 +63,11 @@ ZEmcyItemInfo::ZEmcyItemInfo(const bool* hexDisplay, std::uint32_t nodeId) : Mes
 
 std::string ZEmcyItemInfo::GetAttributesText() const {
   const auto& bytes = record.manufacturer;
-  return fmt::sprintf(
+  return NResources::Print(
       ShowsHexadecimal() ? "Node-ID %lu, COBID %s, ErrCode %X, ErrReg %X, ManSpecific %X,%X,%X,%X,%X"
                          : "Node-ID %lu, COBID %s, ErrCode %lu, ErrReg %lu, ManSpecific %lu,%lu,%lu,%lu,%lu",
-      record.nodeId, CobIdText(record.cobId), unsigned{record.errorCode}, unsigned{record.errorRegister},
-      unsigned{bytes[0]}, unsigned{bytes[1]}, unsigned{bytes[2]}, unsigned{bytes[3]}, unsigned{bytes[4]});
+      record.nodeId, CobIdText(record.cobId), record.errorCode, record.errorRegister, bytes[0], bytes[1],
+      bytes[2], bytes[3], bytes[4]);
 }
 
 ZHBeatItemInfo::ZHBeatItemInfo(const bool* hexDisplay, std::uint32_t nodeId, std::uint32_t cobId)
@@ -78,9 +77,9 @@ ZHBeatItemInfo::ZHBeatItemInfo(const bool* hexDisplay, std::uint32_t nodeId, std
 }
 
 std::string ZHBeatItemInfo::GetAttributesText() const {
-  return fmt::sprintf(
+  return NResources::Print(
       ShowsHexadecimal() ? "Node-ID %lu, COBID %s, State %X" : "Node-ID %lu, COBID %s, State %lu",
-      record.nodeId, CobIdText(record.cobId), unsigned{StateOf(record)});
+      record.nodeId, CobIdText(record.cobId), StateOf(record));
 }
 
 ZGuardingItemInfo::ZGuardingItemInfo(const bool* hexDisplay, std::uint32_t nodeId, std::uint32_t cobId)
@@ -90,10 +89,9 @@ ZGuardingItemInfo::ZGuardingItemInfo(const bool* hexDisplay, std::uint32_t nodeI
 }
 
 std::string ZGuardingItemInfo::GetAttributesText() const {
-  return fmt::sprintf(ShowsHexadecimal() ? "Node-ID %lu, COBID %s, State %X, Toggle %lu"
-                                         : "Node-ID %lu, COBID %s, State %lu, Toggle %lu",
-                      record.nodeId, CobIdText(record.cobId), unsigned{StateOf(record)},
-                      unsigned{ToggleOf(record)});
+  return NResources::Print(ShowsHexadecimal() ? "Node-ID %lu, COBID %s, State %X, Toggle %lu"
+                                              : "Node-ID %lu, COBID %s, State %lu, Toggle %lu",
+                           record.nodeId, CobIdText(record.cobId), StateOf(record), ToggleOf(record));
 }
 
 ZRTRItemInfo::ZRTRItemInfo(const bool* hexDisplay, std::uint32_t nodeId, std::uint32_t cobId)
@@ -103,7 +101,7 @@ ZRTRItemInfo::ZRTRItemInfo(const bool* hexDisplay, std::uint32_t nodeId, std::ui
 }
 
 std::string ZRTRItemInfo::GetAttributesText() const {
-  return fmt::sprintf("COBID %s, DLC %lu", CobIdText(record.cobId), record.dlc);
+  return NResources::Print("COBID %s, DLC %lu", CobIdText(record.cobId), record.dlc);
 }
 
 }  // namespace NCanopen

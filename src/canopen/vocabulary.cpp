@@ -1,6 +1,5 @@
 #include "canopen/vocabulary.h"
-
-#include <fmt/printf.h>
+#include "resources/print.h"
 
 namespace NCanopen {
 
@@ -59,7 +58,7 @@ constexpr std::uint32_t kDefaultPdoCount = 4;
 }  // namespace
 
 std::string CobIdText(std::uint32_t cobId) {
-  return fmt::sprintf(IsExtended(cobId) ? "%Xx" : "%X", IdentifierOf(cobId));
+  return NResources::Print(IsExtended(cobId) ? "%Xx" : "%X", IdentifierOf(cobId));
 }
 
 std::span<const CodeLabel> NmtCommands() { return kNmtCommands; }
@@ -73,33 +72,33 @@ std::vector<CobIdChoice> PdoChoices(std::uint32_t nodeId) {
   if (!IsNodeId(nodeId)) return choices;
   for (std::uint32_t position = 0; position < kDefaultPdoCount; ++position) {
     const std::uint32_t cobId = TpdoCobId(nodeId, position + 1);
-    choices.push_back({cobId, fmt::sprintf("%X (Node %d TPDO %d)", cobId, nodeId, position)});
+    choices.push_back({cobId, NResources::Print("%X (Node %d TPDO %d)", cobId, nodeId, position)});
   }
   return choices;
 }
 
 std::string DatabasePdoLabel(std::uint32_t cobId, std::uint32_t nodeId, std::uint32_t number) {
-  return fmt::sprintf("%s (N%d_TPDO%d)", CobIdText(cobId), nodeId, number);
+  return NResources::Print("%s (N%d_TPDO%d)", CobIdText(cobId), nodeId, number);
 }
 
 std::string EmcyLabel(std::uint32_t nodeId) {
-  return fmt::sprintf("%X (EMCY_%03lu)", EmcyCobId(nodeId), nodeId);
+  return NResources::Print("%X (EMCY_%03lu)", EmcyCobId(nodeId), nodeId);
 }
 
 std::string ErrorControlLabel(std::uint32_t nodeId) {
-  return fmt::sprintf("%X (HBGuard_%03lu)", ErrorControlCobId(nodeId), nodeId);
+  return NResources::Print("%X (HBGuard_%03lu)", ErrorControlCobId(nodeId), nodeId);
 }
 
 std::string DefaultSdoLabel(std::uint32_t nodeId) {
-  return fmt::sprintf("%X (Default)", SdoRequestCobId(nodeId));
+  return NResources::Print("%X (Default)", SdoRequestCobId(nodeId));
 }
 
 std::string SdoServerLabel(std::uint32_t cobId, std::uint32_t server) {
-  return fmt::sprintf("%s (Server %X)", CobIdText(cobId), server);
+  return NResources::Print("%s (Server %X)", CobIdText(cobId), server);
 }
 
 std::string NodeLabel(std::uint32_t nodeId, std::string_view name) {
-  return fmt::sprintf("%lu (%s)", nodeId, name);
+  return NResources::Print("%lu (%s)", nodeId, name);
 }
 
 }  // namespace NCanopen

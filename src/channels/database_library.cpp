@@ -1,14 +1,12 @@
 #include "channels/database_library.h"
 
-#include <fmt/printf.h>
-#include <fmt/xchar.h>
-
 #include <optional>
 
 #include "com/task_text.h"
 #include "common/host_application.h"
 #include "common/host_library.h"
 #include "common/user_messages.h"
+#include "resources/print.h"
 #include "resources/resource_ids.h"
 #include "resources/text.h"
 
@@ -37,7 +35,7 @@ NSdk::DllCreateDBManagerExFunction FindFactory() {
   const auto factory = library->Find<NSdk::DllCreateDBManagerExFunction>(kExport);
   if (!factory && first) {
     const std::wstring text = NResources::LoadText(IDS_DATABASE_LIBRARY_MISSING);
-    NCommon::ShowUserMessage(fmt::sprintf(text, library->File().wstring()), NSdk::kMessageExclamation);
+    NCommon::ShowUserMessage(NResources::Print(text, library->File().wstring()), NSdk::kMessageExclamation);
   }
   return factory;
 }

@@ -1,12 +1,10 @@
 #include "editors/data_composer.h"
 
-#include <fmt/printf.h>
-#include <fmt/xchar.h>
-
 #include <limits>
 
 #include "common/text.h"
 #include "editors/integer_text.h"
+#include "resources/print.h"
 #include "resources/resource_ids.h"
 #include "resources/text.h"
 
@@ -85,7 +83,7 @@ void DataComposer::ShowInteger(std::uint32_t size) {
     mValue = DecimalText(*bits, mType);
     return;
   }
-  mValue = fmt::format("{:X}", *bits);
+  mValue = NResources::Print("%X", *bits);
   const std::uint64_t digits = std::uint64_t{2} * size;
   if (mValue.size() > digits) mValue.erase(0, mValue.size() - digits);
 }
@@ -135,8 +133,9 @@ std::string DataComposer::CompleteValue() const {
 }
 
 std::wstring DataComposer::LimitMessage(std::uint32_t naturalSize) const {
-  return fmt::sprintf(NResources::LoadText(mPurpose.isPdo ? IDS_DATA_EXCEEDS_PDO : IDS_DATA_EXCEEDS_OBJECT),
-                      naturalSize, *mPurpose.limit);
+  return NResources::Print(
+      NResources::LoadText(mPurpose.isPdo ? IDS_DATA_EXCEEDS_PDO : IDS_DATA_EXCEEDS_OBJECT), naturalSize,
+      *mPurpose.limit);
 }
 
 /// False: the size is refused.
@@ -149,7 +148,8 @@ bool DataComposer::CheckSize(std::uint32_t naturalSize, std::uint32_t size, Comp
   }
   if (mPurpose.limit && naturalSize > *mPurpose.limit) answer.warnings.push_back(LimitMessage(naturalSize));
   if (naturalSize <= size) return true;
-  answer.warnings.push_back(fmt::sprintf(NResources::LoadText(IDS_DATA_EXCEEDS_LENGTH), naturalSize, size));
+  answer.warnings.push_back(
+      NResources::Print(NResources::LoadText(IDS_DATA_EXCEEDS_LENGTH), naturalSize, size));
   answer.focus = ComposerField::Size;
   return false;
 }
@@ -160,7 +160,7 @@ std::string DataComposer::Normalise(std::string value) const {
   const bool isHexadecimal = value.starts_with("0x");
   const auto bits = ReadInteger(value, mType);
   if (!bits || isHexadecimal != mPurpose.hexadecimal) return value;
-  return isHexadecimal ? fmt::format("{:#x}", *bits) : DecimalText(*bits, mType);
+  return isHexadecimal ? NResources::Print("0x%x", *bits) : DecimalText(*bits, mType);
 }
 
 ComposerAnswer DataComposer::Accept() {

@@ -1,12 +1,11 @@
 #include "editors/field_choices.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
 
 #include "canopen/vocabulary.h"
 #include "common/text.h"
 #include "editors/integer_text.h"
+#include "resources/print.h"
 
 namespace NEditors {
 namespace {
@@ -21,11 +20,11 @@ constexpr std::uint32_t kFirstTpdoMapping = 0x1A00;
 constexpr std::uint8_t kRequestCobId = 1, kResponseCobId = 2;
 
 std::string NumberText(std::uint32_t number, bool hexadecimal) {
-  return hexadecimal ? fmt::format("{:X}", number) : fmt::format("{}", number);
+  return NResources::Print(hexadecimal ? "%X" : "%u", number);
 }
 
 FieldChoice Labelled(std::uint32_t code, const char* label, bool hexadecimal) {
-  return {fmt::format("{} ({})", NumberText(code, hexadecimal), label)};
+  return {NResources::Print("%s (%s)", NumberText(code, hexadecimal), label)};
 }
 
 const NodeObject* FindObject(const DatabaseNode& node, std::uint32_t index, std::uint32_t subIndex) {
@@ -73,10 +72,10 @@ List PerNode(const ChoiceContext& context, std::string (*label)(std::uint32_t no
 List SdoServers(const ChoiceContext& context, std::uint8_t subIndex) {
   List list;
   if (NCanopen::IsNodeId(context.nodeId)) {
-    list.push_back(
-        {subIndex == kRequestCobId
-             ? NCanopen::DefaultSdoLabel(context.nodeId)
-             : fmt::format("{} (Default)", NCanopen::CobIdText(NCanopen::SdoResponseCobId(context.nodeId)))});
+    list.push_back({subIndex == kRequestCobId
+                        ? NCanopen::DefaultSdoLabel(context.nodeId)
+                        : NResources::Print("%s (Default)", NCanopen::CobIdText(NCanopen::SdoResponseCobId(
+                                                                context.nodeId)))});
   }
   const DatabaseNode* node = FindNode(context.nodes, context.nodeId);
   if (node == nullptr) return list;
@@ -95,8 +94,8 @@ List ObjectChoices(const ChoiceContext& context) {
   if (const DatabaseNode* node = FindNode(context.nodes, context.nodeId)) {
     for (const NodeObject& object : node->objects) {
       list.push_back(
-          {fmt::format("{:X} sub {} {}", object.index, NumberText(object.subindex, context.hexadecimal),
-                       NCommon::ToItemText(object.label)),
+          {NResources::Print("%X sub %s %s", object.index, NumberText(object.subindex, context.hexadecimal),
+                             NCommon::ToItemText(object.label)),
            &object});
     }
   }

@@ -1,9 +1,5 @@
 #include "editors/item_form.h"
 
-#include <fmt/format.h>
-#include <fmt/printf.h>
-#include <fmt/xchar.h>
-
 #include <algorithm>
 
 #include "canopen/fields.h"
@@ -12,6 +8,7 @@
 #include "editors/first_sdo_frame.h"
 #include "editors/integer_text.h"
 #include "editors/number_entry.h"
+#include "resources/print.h"
 #include "resources/resource_ids.h"
 #include "resources/text.h"
 
@@ -65,7 +62,8 @@ bool ItemForm::IsCyclicField(const EditorField& row) const {
 
 std::string ItemForm::NumberText(const ItemField& field, std::uint32_t number) const {
   if (field.entry.check == NCanopen::Check::CanId) return NCanopen::CobIdText(number);
-  return IsHexadecimal(field, mContext.hexadecimal) ? fmt::format("{:X}", number) : std::to_string(number);
+  return IsHexadecimal(field, mContext.hexadecimal) ? NResources::Print("%X", number)
+                                                    : std::to_string(number);
 }
 
 FormField ItemForm::Load(const EditorField& row) const {
@@ -140,9 +138,9 @@ void ItemForm::Choose(std::size_t field, const FieldChoice& choice) {
   mFields[field].text = choice.text;
   if (choice.object != nullptr) {
     const NSdo::NodeObject& object = *choice.object;
-    mFields[field].text = fmt::format("{:X}", object.index);
-    SetTextOf("SubIndex",
-              mContext.hexadecimal ? fmt::format("{:X}", object.subindex) : std::to_string(object.subindex));
+    mFields[field].text = NResources::Print("%X", object.index);
+    SetTextOf("SubIndex", mContext.hexadecimal ? NResources::Print("%X", object.subindex)
+                                               : std::to_string(object.subindex));
     if (!object.variableLength) SetTextOf("ObjectSize", std::to_string(object.size));
   }
   UpdateDependents();
@@ -266,7 +264,7 @@ std::optional<std::wstring> ItemForm::Take(std::size_t field, ZMsgItemInfo& item
     if (!mContext.inCyclicList) return std::nullopt;
     // Whatever is no number of milliseconds is told the bound.
     const auto time = ReadUnsigned(UpToBlank(entered.text), NumberBase::Decimal, target.entry.maximum);
-    if (!time) return fmt::sprintf(NResources::LoadText(IDS_ENTRY_MAX), target.entry.maximum);
+    if (!time) return NResources::Print(NResources::LoadText(IDS_ENTRY_MAX), target.entry.maximum);
     target.setNumber(item, static_cast<std::uint32_t>(*time));
     return std::nullopt;
   }
@@ -307,11 +305,11 @@ std::optional<NSdk::CanFrame> ItemForm::Preview() const {
 std::string FrameText(const NSdk::CanFrame& frame) {
   const bool extended = (frame.flags & NSdk::kFrameExtended) != 0;
   const std::uint32_t size = std::min<std::uint32_t>(frame.flags & NSdk::kFrameDlcMask, sizeof frame.data);
-  std::string text = fmt::format(
-      "{}  [{}] ", NCanopen::CobIdText(frame.identifier | (extended ? NCanopen::kCobIdExtended : 0)), size);
+  std::string text = NResources::Print(
+      "%s  [%d] ", NCanopen::CobIdText(frame.identifier | (extended ? NCanopen::kCobIdExtended : 0)), size);
   if ((frame.flags & NSdk::kFrameRemote) != 0) return text + " R";
   for (std::uint32_t position = 0; position < size; ++position)
-    text += fmt::format(" {:02X}", frame.data[position]);
+    text += NResources::Print(" %02X", frame.data[position]);
   return text;
 }
 

@@ -1,13 +1,11 @@
 #include "editors/number_entry.h"
 
-#include <fmt/printf.h>
-#include <fmt/xchar.h>
-
 #include <limits>
 #include <optional>
 
 #include "canopen/vocabulary.h"
 #include "editors/integer_text.h"
+#include "resources/print.h"
 #include "resources/resource_ids.h"
 #include "resources/text.h"
 
@@ -29,7 +27,7 @@ constexpr RangeMessage kRangeMessage = {IDS_ENTRY_RANGE, IDS_ENTRY_RANGE_HEX};
 
 template <class... Bounds>
 bool Fail(std::wstring& message, std::uint32_t id, Bounds... bounds) {
-  message = fmt::sprintf(NResources::LoadText(id), bounds...);
+  message = NResources::Print(NResources::LoadText(id), bounds...);
   return false;
 }
 

@@ -1,8 +1,5 @@
 #include "ig/generator_node.h"
 
-#include <fmt/printf.h>
-#include <fmt/xchar.h>
-
 #include <algorithm>
 
 #include "channels/channel_manager.h"
@@ -14,6 +11,7 @@
 #include "ig/live_blocks.h"
 #include "ig/sequence_file.h"
 #include "ig/settings_dialog.h"
+#include "resources/print.h"
 #include "resources/resource_ids.h"
 #include "resources/text.h"
 #include "sdk/class_ids.h"
@@ -120,8 +118,8 @@ HRESULT ZCANopenIGNode::GetCaption(wchar_t** caption) {
   return NCom::Entry([&] {
     const std::wstring file =
         mSequencePath.empty() ? NResources::LoadText(IDS_IG_UNTITLED) : mSequencePath.wstring();
-    return NCom::HandOut(fmt::sprintf(NResources::LoadText(IDS_IG_CAPTION), mSettings.numbers.channel, file),
-                         caption);
+    return NCom::HandOut(
+        NResources::Print(NResources::LoadText(IDS_IG_CAPTION), mSettings.numbers.channel, file), caption);
   });
 }
 
@@ -251,7 +249,7 @@ HRESULT ZCANopenIGNode::ReloadSequence() {
     const std::wstring text = path.wstring();
     if (SUCCEEDED(LoadSequence(text.c_str(), nullptr))) return S_OK;
     NCommon::ShowUserMessage(
-        fmt::sprintf(NResources::LoadText(IDS_IG_LOAD_FAILED), mSettings.name + L": ", text),
+        NResources::Print(NResources::LoadText(IDS_IG_LOAD_FAILED), mSettings.name + L": ", text),
         NSdk::kMessageExclamation);
     return E_FAIL;
   });

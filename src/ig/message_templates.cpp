@@ -1,14 +1,12 @@
 #include "ig/message_templates.h"
 
-#include <fmt/format.h>
-#include <fmt/xchar.h>
-
 #include <algorithm>
 #include <string_view>
 
 #include "canopen/item_kinds.h"
 #include "canopen/vocabulary.h"
 #include "common/text.h"
+#include "resources/print.h"
 #include "resources/resource_ids.h"
 #include "resources/text.h"
 
@@ -28,16 +26,17 @@ MessageTemplate TpdoTemplate(const NCanopen::ItemKind& kind, const bool* hexDisp
                              const NSdo::DatabaseNode& node, const NSdo::Tpdo& tpdo) {
   // A PDO that is not valid in the device (bit 31) can be sent all the same.
   const std::uint32_t cobId = tpdo.cobId & (NCanopen::kIdentifierMask | NCanopen::kCobIdExtended);
-  return {fmt::format(L"N{}_TPDO{} ({})", node.nodeId, tpdo.number + 1,
-                      NCommon::ToWide(NCanopen::CobIdText(cobId))),
+  return {NResources::Print(L"N%d_TPDO%d (%s)", node.nodeId, tpdo.number + 1,
+                            NCommon::ToWide(NCanopen::CobIdText(cobId))),
           kind.makeForNode(hexDisplay, node.nodeId, cobId),
           {}};
 }
 
 MessageTemplate NodeTemplate(const NCanopen::ItemKind& kind, const bool* hexDisplay,
                              const NSdo::DatabaseNode& node) {
-  MessageTemplate entry{
-      fmt::format(L"Node {}, {}", node.nodeId, node.name), kind.makeForNode(hexDisplay, node.nodeId, 0), {}};
+  MessageTemplate entry{NResources::Print(L"Node %d, %s", node.nodeId, node.name),
+                        kind.makeForNode(hexDisplay, node.nodeId, 0),
+                        {}};
   if (kind.code == NCanopen::kItemPdo) {
     for (const NSdo::Tpdo& tpdo : node.tpdos) {
       entry.children.push_back(TpdoTemplate(kind, hexDisplay, node, tpdo));

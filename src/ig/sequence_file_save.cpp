@@ -1,4 +1,3 @@
-#include <fmt/printf.h>
 
 #include <fstream>
 #include <system_error>
@@ -9,6 +8,7 @@
 #include "ig/sequence_file.h"
 #include "ig/sequence_file_text.h"
 #include "ig/sequence_file_xml.h"
+#include "resources/print.h"
 
 namespace NIg {
 
@@ -93,7 +93,8 @@ class DocumentWriter {
     bool exact = true;
     XmlText text = DataForFile(field.text(item), &exact);
     if (!exact) {
-      mFault = fmt::sprintf("%s item: characters of \"%s\" that a sequence file cannot hold became \"?\"",
+      mFault =
+          NResources::Print("%s item: characters of \"%s\" that a sequence file cannot hold became \"?\"",
                             item.GetTypeName(), field.key);
     }
     return text;

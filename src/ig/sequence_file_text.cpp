@@ -1,6 +1,5 @@
 #include "ig/sequence_file_text.h"
-
-#include <fmt/printf.h>
+#include "resources/print.h"
 
 #include <algorithm>
 #include <charconv>
@@ -23,7 +22,7 @@ bool IsCarried(XMLCh character) {
 
 std::string ByteArrayText(std::string_view bytes) {
   std::string text = "bytearr:";
-  for (const char byte : bytes) text += fmt::sprintf("%02X", unsigned{static_cast<unsigned char>(byte)});
+  for (const char byte : bytes) text += NResources::Print("%02X", unsigned{static_cast<unsigned char>(byte)});
   return text;
 }
 
@@ -60,7 +59,7 @@ XmlText DataForFile(std::string_view data, bool* exact) {
 }
 
 std::string NumberText(std::uint32_t value, NCanopen::Encoding encoding) {
-  return fmt::sprintf(encoding == NCanopen::Encoding::Hexadecimal ? "0x%X" : "%lu", value);
+  return NResources::Print(encoding == NCanopen::Encoding::Hexadecimal ? "0x%X" : "%lu", value);
 }
 
 std::optional<std::uint32_t> ParseNumberText(std::string_view text, NCanopen::Encoding encoding) {

@@ -1,7 +1,5 @@
 #include "ig/sequence_file_xml.h"
 
-#include <fmt/printf.h>
-
 #include <new>
 #include <xercesc/dom/DOMException.hpp>
 #include <xercesc/framework/MemBufInputSource.hpp>
@@ -12,6 +10,7 @@
 #include <xercesc/util/XMLException.hpp>
 
 #include "ig/sequence_file_text.h"
+#include "resources/print.h"
 
 namespace NIg {
 
@@ -45,7 +44,7 @@ class XmlLibrary {
 
 std::string Located(XMLFileLoc line, XMLFileLoc column, const std::string& text) {
   if (line == 0) return text;
-  return fmt::sprintf("line %d, column %d: %s", line, column, text);
+  return NResources::Print("line %d, column %d: %s", line, column, text);
 }
 
 // The library's exceptions use the library when they are destroyed, so they end in here.

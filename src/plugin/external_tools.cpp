@@ -1,13 +1,11 @@
 #include "plugin/external_tools.h"
 
-#include <fmt/printf.h>
-#include <fmt/xchar.h>
-
 #include "com/task_text.h"
 #include "common/host_application.h"
 #include "common/host_library.h"
 #include "common/text.h"
 #include "common/user_messages.h"
+#include "resources/print.h"
 #include "resources/resource_ids.h"
 #include "resources/text.h"
 
@@ -41,7 +39,8 @@ std::filesystem::path ConfiguratorFolder() {
 }
 
 void TellThatItFailed(std::uint32_t textId, const std::filesystem::path& path) {
-  NCommon::ShowUserMessage(fmt::sprintf(NResources::LoadText(textId), path.wstring()), NSdk::kMessageError);
+  NCommon::ShowUserMessage(NResources::Print(NResources::LoadText(textId), path.wstring()),
+                           NSdk::kMessageError);
 }
 
 }  // namespace
@@ -52,15 +51,15 @@ void SetProgramStarter(std::function<bool(const ProgramStart&)> starter) {
 
 void StartQuillon() {
   const std::filesystem::path program = ToolFolder() / "Quillon.exe";
-  if (!Starter()({program, fmt::sprintf("-s -l %d", Language()), {}})) {
+  if (!Starter()({program, NResources::Print("-s -l %d", Language()), {}})) {
     TellThatItFailed(IDS_TOOL_QUILLON_FAILED, program);
   }
 }
 
 void StartBrackwell() {
   const std::filesystem::path folder = ToolFolder();
-  const std::string parameters =
-      fmt::sprintf("-f \"%s\" -l %02d -quick 1", NCommon::PathToItemText(ConfiguratorFolder()), Language());
+  const std::string parameters = NResources::Print("-f \"%s\" -l %02d -quick 1",
+                                                   NCommon::PathToItemText(ConfiguratorFolder()), Language());
   for (const char* program : {"brk.exe", "brkviewer.exe"}) {
     if (Starter()({folder / program, parameters, folder})) return;
   }

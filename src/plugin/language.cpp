@@ -1,11 +1,9 @@
 #include "plugin/language.h"
 
-#include <fmt/printf.h>
-#include <fmt/xchar.h>
-
 #include "common/host_library.h"
 #include "common/user_messages.h"
 #include "plugin/language_library.h"
+#include "resources/print.h"
 #include "resources/resource_ids.h"
 #include "resources/text.h"
 
@@ -15,7 +13,7 @@ namespace {
 constexpr std::uint32_t kOwnLanguage = 1;
 
 std::filesystem::path HelpFileOf(const std::filesystem::path& folder, std::uint32_t language) {
-  return folder / fmt::sprintf("Help%02d", language) / "HalvardTesmond.chm";
+  return folder / NResources::Print("Help%02d", language) / "HalvardTesmond.chm";
 }
 
 }  // namespace
@@ -23,11 +21,11 @@ std::filesystem::path HelpFileOf(const std::filesystem::path& folder, std::uint3
 void UseLanguage(std::uint32_t language) {
   ReleaseLanguage();
   if (language == kOwnLanguage) return;
-  const std::wstring name = fmt::sprintf(L"Ostrel_%02d.%s", language, NCommon::kLibraryExtension);
+  const std::wstring name = NResources::Print(L"Ostrel_%02d.%s", language, NCommon::kLibraryExtension);
   if (void* library = LoadLanguageLibrary(NCommon::ModuleFile().parent_path() / name)) {
     NResources::SetLanguageLibrary(library);
   } else {
-    NCommon::ShowUserMessage(fmt::sprintf(NResources::LoadText(IDS_LANGUAGE_MISSING), name),
+    NCommon::ShowUserMessage(NResources::Print(NResources::LoadText(IDS_LANGUAGE_MISSING), name),
                              NSdk::kMessageExclamation);
   }
 }

@@ -1,8 +1,5 @@
 #include "plugin/nmt_dispatch.h"
 
-#include <fmt/printf.h>
-#include <fmt/xchar.h>
-
 #include <algorithm>
 
 #include "canopen/vocabulary.h"
@@ -12,6 +9,7 @@
 #include "common/user_messages.h"
 #include "ig/live_blocks.h"
 #include "nmt/node_selection.h"
+#include "resources/print.h"
 #include "resources/resource_ids.h"
 #include "resources/text.h"
 
@@ -44,7 +42,7 @@ std::vector<HostNetwork> CanChannels() {
   const std::uint32_t count = channels.ChannelCount();
   for (std::uint32_t position = 0; position < count; ++position) {
     const std::uint32_t number = channels.At(position).number;
-    networks.push_back({fmt::sprintf(L"CAN%d", number), number});
+    networks.push_back({NResources::Print(L"CAN%d", number), number});
   }
   return networks;
 }
@@ -77,7 +75,7 @@ void TellThatABlockIsMissing(std::uint8_t network) {
   const HostNetwork& wanted = networks[network - 1u];
   if (NIg::FindSender(wanted.channel)) return;
   const std::uint32_t textId = simulated ? IDS_NMT_NO_BLOCK_IN_NETWORK : IDS_NMT_NO_BLOCK_ON_CHANNEL;
-  NCommon::ShowUserMessage(fmt::sprintf(NResources::LoadText(textId), wanted.name),
+  NCommon::ShowUserMessage(NResources::Print(NResources::LoadText(textId), wanted.name),
                            NSdk::kMessageExclamation);
 }
 
@@ -105,7 +103,7 @@ std::vector<CommandSet::Node> MenuNodes(const std::vector<ZCONetworkEntry>& entr
     for (const NSdo::DatabaseNode& node : entries[network].block->DatabaseNodes()) {
       if (!NCanopen::IsNodeId(node.nodeId)) continue;
       nodes.push_back({static_cast<std::uint8_t>(network + 1), static_cast<std::uint8_t>(node.nodeId),
-                       fmt::sprintf(format, prefix + node.name, node.nodeId)});
+                       NResources::Print(format, prefix + node.name, node.nodeId)});
     }
   }
   return nodes;

@@ -1,11 +1,9 @@
 #include "scanner/node_texts.h"
 
-#include <fmt/printf.h>
-#include <fmt/xchar.h>
-
 #include "canopen/vocabulary.h"
 #include "com/assertion.h"
 #include "com/task_text.h"
+#include "resources/print.h"
 #include "resources/resource_ids.h"
 #include "resources/text.h"
 #include "scanner/node.h"
@@ -55,7 +53,7 @@ std::wstring ObjectText(NSdk::ICANopenNode& node, std::uint16_t index, std::uint
 std::wstring NodeIdText(std::uint32_t nodeId, std::uint32_t numberBase) {
   constexpr std::uint32_t kNoNodeId = 255;
   if (nodeId >= kNoNodeId) return {};
-  return fmt::sprintf(numberBase == 10 ? L"%d" : L"0x%x", nodeId);
+  return NResources::Print(numberBase == 10 ? L"%d" : L"0x%x", nodeId);
 }
 
 std::wstring StateText(std::uint32_t state) {
@@ -108,9 +106,10 @@ std::uint32_t RowImage(NSdk::ICANopenNode* node) {
 
 std::wstring ToolTip(NSdk::ICANopenNode* node) {
   NCom::Require(node, "node");
-  std::wstring text = fmt::sprintf(NResources::LoadText(IDS_SCAN_NODE_TIP), ObjectText(*node, kDeviceName, 0),
-                                   ObjectText(*node, kDeviceType, 0), ObjectText(*node, kIdentity, kVendorId),
-                                   ObjectText(*node, kIdentity, kSerialNumber));
+  std::wstring text =
+      NResources::Print(NResources::LoadText(IDS_SCAN_NODE_TIP), ObjectText(*node, kDeviceName, 0),
+                        ObjectText(*node, kDeviceType, 0), ObjectText(*node, kIdentity, kVendorId),
+                        ObjectText(*node, kIdentity, kSerialNumber));
   const std::uint32_t errors = Number(*node, &NSdk::ICANopenNode::GetErrorRegister);
   for (const auto& error : kErrors) {
     if (errors & (1u << error.bit)) text += L'\n' + NResources::LoadText(error.textId);

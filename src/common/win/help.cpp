@@ -1,11 +1,10 @@
 #include "common/win/help.h"
 
-#include <fmt/printf.h>
-#include <fmt/xchar.h>
 #include <shellapi.h>
 
 #include "common/help_manager.h"
 #include "common/user_messages.h"
+#include "resources/print.h"
 #include "resources/resource_ids.h"
 #include "resources/text.h"
 
@@ -16,7 +15,7 @@ void OpenHelp(HWND owner) {
   const std::wstring file = HelpFile().wstring();
   const HINSTANCE result = ShellExecuteW(owner, L"open", file.c_str(), nullptr, nullptr, SW_SHOWNORMAL);
   if (reinterpret_cast<INT_PTR>(result) > kLastFailure) return;
-  ShowUserMessage(fmt::sprintf(NResources::LoadText(IDS_HELP_MISSING), file), NSdk::kMessageExclamation);
+  ShowUserMessage(NResources::Print(NResources::LoadText(IDS_HELP_MISSING), file), NSdk::kMessageExclamation);
 }
 
 }  // namespace NCommon
