@@ -12,9 +12,7 @@
 #include <cstring>
 #include <functional>
 
-#include "host/buses/bus_factory.h"
-#include "host/runtime/asio_loop.h"
-#include "tests/buses/listener.h"
+#include "tests/buses/real_time.h"
 
 namespace {
 
@@ -26,24 +24,11 @@ using testing::IsEmpty;
 
 int Shell(const std::string& command) { return std::system(command.c_str()); }
 
-class SocketCan : public testing::Test {
+class SocketCan : public NTest::RealTime {
  protected:
   void SetUp() override {
     if (if_nametoindex("vcan0") == 0) GTEST_SKIP() << "there is no vcan0; see tests/buses/socketcan_vm";
     ASSERT_EQ(Shell("ip link set vcan0 up"), 0);
-  }
-
-  bool RunUntil(const std::function<bool()>& condition, NRuntime::Time limit = 10s) {
-    bool holds = false;
-    const auto end = loop.Now() + limit;
-    std::unique_ptr<NRuntime::Alarm> alarm = loop.MakeAlarm([&] {
-      holds = condition();
-      if (holds || loop.Now() > end) return loop.Stop();
-      alarm->SetFor(loop.Now() + 1ms);
-    });
-    alarm->SetFor(loop.Now());
-    loop.Run();
-    return holds;
   }
 
   std::unique_ptr<NRuntime::CanAdapter> Opened(const std::string& word, NTest::Listener& listener) {
@@ -51,10 +36,6 @@ class SocketCan : public testing::Test {
     adapter->Open(listener);
     return adapter;
   }
-
-  NRuntime::AsioLoop loop;
-  NBuses::BusFactory factory{loop};
-  NTest::Listener one, two;
 };
 
 TEST_F(SocketCan, FramesOfEveryKindAreSeenOnceOnBothSides) {

@@ -10,10 +10,8 @@
 #include <optional>
 #include <thread>
 
-#include "host/buses/bus_factory.h"
 #include "host/buses/socketcand_server.h"
-#include "host/runtime/asio_loop.h"
-#include "tests/buses/listener.h"
+#include "tests/buses/real_time.h"
 
 namespace {
 
@@ -64,29 +62,11 @@ class ServerThread {
   std::thread mThread;
 };
 
-class Socketcand : public testing::Test {
+class Socketcand : public NTest::RealTime {
  protected:
-  // Runs the loop until the condition holds, thirty seconds at most.
-  bool RunUntil(const std::function<bool()>& condition, NRuntime::Time limit = 30s) {
-    bool holds = false;
-    const auto end = loop.Now() + limit;
-    std::unique_ptr<NRuntime::Alarm> alarm = loop.MakeAlarm([&] {
-      holds = condition();
-      if (holds || loop.Now() > end) return loop.Stop();
-      alarm->SetFor(loop.Now() + 1ms);
-    });
-    alarm->SetFor(loop.Now());
-    loop.Run();
-    return holds;
-  }
-
   std::string Word(const std::string& address, const std::string& interfaceName) const {
     return "socketcand:" + address + "/" + interfaceName;
   }
-
-  NRuntime::AsioLoop loop;
-  NBuses::BusFactory factory{loop};
-  NTest::Listener one, two, three;
 };
 
 TEST_F(Socketcand, ClientsHearEachOtherOnTheirBusAlone) {
