@@ -33,15 +33,6 @@ std::vector<std::string> Rows(const ItemList& items) {
 
 class SequenceFile : public testing::Test {
  protected:
-  SequenceFile()
-      : mFolder(fs::path(testing::TempDir()) /
-                (std::string("ostrel-") + testing::UnitTest::GetInstance()->current_test_info()->name())) {
-    fs::remove_all(mFolder);
-    fs::create_directories(mFolder);
-    mPath = mFolder / u8"Pr\u00FCfung 1.seq";
-  }
-  ~SequenceFile() override { fs::remove_all(mFolder); }
-
   int Save() { return SaveSequenceFile(mPath, mSequence, mCyclic, &mFault); }
   int Load() { return LoadSequenceFile(mPath, mSequence, mCyclic, &mHexDisplay, &mFault); }
   int LoadText(const std::string& text) {
@@ -65,8 +56,8 @@ class SequenceFile : public testing::Test {
   void AppendMessages(ItemList& list);
 
   bool mHexDisplay = true;
-  fs::path mFolder;
-  fs::path mPath;
+  const NTest::TestFolder mFolder;
+  fs::path mPath = mFolder / u8"Pr\u00FCfung 1.seq";
   ItemList mSequence;
   ItemList mCyclic;
   std::string mFault;
