@@ -4,6 +4,7 @@
 
 #include "common/pixels.h"
 #include "common/placement.h"
+#include "common/split_position.h"
 
 namespace {
 
@@ -39,6 +40,23 @@ TEST(WindowPlacement, IsMovedToWhereItCanBeSeen) {
   };
   for (const auto& row : rows) EXPECT_EQ(NCommon::MovedInto(row.wanted, space), row.moved);
   EXPECT_EQ(NCommon::MovedInto({5, 5, 9, 9}, {0, 0, 0, 0}), (Area{5, 5, 9, 9}));
+}
+
+TEST(SplitPosition, KeepsItsShareAndTheLeastSizes) {
+  NCommon::SplitPosition split(0.25);
+  EXPECT_EQ(split.At(400, 50, 100), 100);
+  EXPECT_EQ(split.At(160, 50, 100), 50);
+  EXPECT_EQ(split.At(75, 50, 100), 25) << "no room for both";
+  EXPECT_EQ(split.At(-3, 50, 100), 0);
+  EXPECT_EQ(split.At(0, 0, 0), 0);
+  split.MoveTo(300, 400);
+  EXPECT_EQ(split.At(400, 50, 150), 250);
+  EXPECT_EQ(split.At(800, 50, 100), 600);
+  split.MoveTo(-99999, 400);
+  EXPECT_EQ(split.At(400, 50, 100), 50);
+  split.MoveTo(10, 0);
+  split.Reset();
+  EXPECT_EQ(split.At(400, 50, 100), 100);
 }
 
 TEST(Pixels, AreTheMeanOfWhatTheyCover) {
