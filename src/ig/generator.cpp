@@ -28,7 +28,30 @@ Generator::~Generator() {
   Shared().activeBlock.compare_exchange_strong(self, nullptr);
 }
 
-void Generator::SetWindow(GeneratorWindow* window) { mWindow = window ? window : &mNoWindow; }
+void Generator::SetWindow(GeneratorWindow* window) {
+  mWindow = window ? window : &mNoWindow;
+  mWindow->EnableControl(kControlExecute, IsMeasuring());
+  mWindow->EnableControl(kControlStart, IsMeasuring() && !IsCyclicHeld());
+  mWindow->EnableControl(kControlSequenceList, !IsLocked(NSdk::kSequenceList));
+  mWindow->EnableControl(kControlCyclicList, !IsLocked(NSdk::kCyclicList));
+  mWindow->SetText(kControlExecute, mSequenceRunning ? NResources::LoadText(IDS_IG_STOP)
+                                                     : NResources::LoadText(IDS_IG_EXECUTE));
+  mWindow->SetText(kControlStart,
+                   NResources::LoadText(IsLocked(NSdk::kCyclicList) ? IDS_IG_STOP : IDS_IG_START_CYCLIC));
+}
+
+// A sequence that is to start cyclic transmission has its hand on the list.
+bool Generator::IsCyclicHeld() const { return mSequenceRunning && mCyclicBySequence; }
+
+bool Generator::IsLocked(NSdk::GeneratorList list) const {
+  if (list == NSdk::kSequenceList) return mSequenceRunning;
+  return mCyclicRunning || mCyclicRequested || IsCyclicHeld();
+}
+
+// As it was when the measurement started; there may have been no window then.
+std::wstring Generator::ExecuteLabel() const {
+  return mExecuteLabel.empty() ? NResources::LoadText(IDS_IG_EXECUTE) : mExecuteLabel;
+}
 
 std::uint32_t Generator::Activity() const {
   return (mSequenceRunning ? NSdk::kSequenceRunning : 0u) | (mCyclicRunning ? NSdk::kCyclicRunning : 0u) |
@@ -83,7 +106,7 @@ void Generator::StopMeasurement() {
   mWindow->EnableControl(kControlCyclicList, true);
   mWindow->EnableControl(kControlStart, false);
   mWindow->SetText(kControlStart, NResources::LoadText(IDS_IG_START_CYCLIC));
-  mWindow->SetText(kControlExecute, mExecuteLabel);
+  mWindow->SetText(kControlExecute, ExecuteLabel());
 }
 
 void Generator::ReleaseTimers() {
@@ -167,7 +190,7 @@ void Generator::FinishSequence() {
   mWindow->EnableControl(kControlSequenceList, true);
   mWindow->EnableControl(kControlExecute, true);
   mWindow->EnableControl(kControlStart, true);
-  mWindow->SetText(kControlExecute, mExecuteLabel);
+  mWindow->SetText(kControlExecute, ExecuteLabel());
   mSequenceTimer->Stop();
   SetSequenceRunning(false);
   if (EndsWithCyclicStop(mSequenceSnapshot) || !mCyclicRunning) ShowCyclicIdle();

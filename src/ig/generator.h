@@ -65,8 +65,10 @@ class Generator {
   /// GeneratorActivity bits.
   std::uint32_t Activity() const;
 
-  /// Window that follows the block; null: none.
+  /// Window that follows the block from its present state on; null: none.
   void SetWindow(GeneratorWindow* window);
+  /// Whether the items of a list are being sent, or are about to be: nobody changes the list then.
+  bool IsLocked(NSdk::GeneratorList list) const;
 
   NCanopen::ItemList& List(NSdk::GeneratorList list) {
     return list == NSdk::kSequenceList ? mSequence : mCyclic;
@@ -77,6 +79,7 @@ class Generator {
   const NCom::ComPtr<NSdk::ICANOutput>& Output() const { return mOutput; }
   /// Folder that relative "file:" data is resolved against.
   void SetDataFolder(std::filesystem::path folder) { mDataFolder = std::move(folder); }
+  const std::filesystem::path& DataFolder() const { return mDataFolder; }
 
  private:
   // Starting and ending
@@ -89,6 +92,8 @@ class Generator {
   void BeginCyclic();
   void EndCyclic();
   void ShowCyclicIdle();
+  bool IsCyclicHeld() const;
+  std::wstring ExecuteLabel() const;
 
   // Timers
   void SequenceTick();

@@ -10,8 +10,6 @@
 #include "common/user_messages.h"
 #include "ig/live_blocks.h"
 #include "ig/sequence_file.h"
-#include "ig/settings_dialog.h"
-#include "resources/print.h"
 #include "resources/resource_ids.h"
 #include "resources/text.h"
 #include "sdk/class_ids.h"
@@ -47,7 +45,10 @@ ZCANopenIGNode::ZCANopenIGNode() : mGenerator(*this, *this) {
   BlockCreated(*this);
 }
 
-ZCANopenIGNode::~ZCANopenIGNode() { BlockDestroyed(*this); }
+ZCANopenIGNode::~ZCANopenIGNode() {
+  CloseWindow();
+  BlockDestroyed(*this);
+}
 
 std::uint32_t ZCANopenIGNode::Channel() const {
   return mGenerator.IsMeasuring() ? mGenerator.Numbers().channel : mSettings.numbers.channel;
@@ -61,6 +62,7 @@ HRESULT ZCANopenIGNode::ActivityEntry(Body&& body) {
     // Copied: the host may replace its events while it hears of this one.
     const auto events = mEvents;
     const std::uint32_t after = mGenerator.Activity();
+    if (after != before) OnActivityChanged(before, after);
     if (events && after != before) events->OnActivityChanged(after);
     return result;
   });
@@ -97,6 +99,7 @@ HRESULT ZCANopenIGNode::Attach(NSdk::IBlockSite* site) {
 HRESULT ZCANopenIGNode::Detach() {
   return NCom::Entry([&] {
     mGenerator.StopMeasurement();
+    CloseWindow();
     mEvents.Reset();
     mSite.Reset();
   });
@@ -115,12 +118,7 @@ HRESULT ZCANopenIGNode::SetName(const wchar_t* name) {
 }
 
 HRESULT ZCANopenIGNode::GetCaption(wchar_t** caption) {
-  return NCom::Entry([&] {
-    const std::wstring file =
-        mSequencePath.empty() ? NResources::LoadText(IDS_IG_UNTITLED) : mSequencePath.wstring();
-    return NCom::HandOut(
-        NResources::Print(NResources::LoadText(IDS_IG_CAPTION), mSettings.numbers.channel, file), caption);
-  });
+  return NCom::Entry([&] { return NCom::HandOut(Caption(), caption); });
 }
 
 HRESULT ZCANopenIGNode::GetEvents(std::uint32_t* events) {
@@ -216,6 +214,9 @@ HRESULT ZCANopenIGNode::LoadSequence(const wchar_t* path, wchar_t** reason) {
     }
     mGenerator.List(NSdk::kSequenceList) = std::move(sequence);
     mGenerator.List(NSdk::kCyclicList) = std::move(cyclic);
+    mEditing.Forget();
+    for (const auto list : {NSdk::kSequenceList, NSdk::kCyclicList}) mResults.Clear(list);
+    if (mView) mView->ListsReplaced();
     RememberSequence(path);
     return S_OK;
   });
@@ -229,6 +230,7 @@ HRESULT ZCANopenIGNode::SaveSequence(const wchar_t* path, wchar_t** reason) {
     if (!fault.empty() && reason) NCom::HandOut(NCommon::ToWide(fault), reason);
     std::error_code ignored;
     if (!std::filesystem::exists(path, ignored)) return E_FAIL;
+    mEditing.MarkSaved();
     RememberSequence(path);
     return fault.empty() ? S_OK : S_FALSE;
   });
@@ -238,7 +240,8 @@ void ZCANopenIGNode::RememberSequence(const std::filesystem::path& path) {
   mSequencePath = path;
   mSettings.sequence.Remember(path, ConfigurationFile());
   UpdateDataFolder();
-  if (mSite) mSite->BlockChanged();
+  mShowsOutput = false;
+  ShowCaption();
 }
 
 HRESULT ZCANopenIGNode::ReloadSequence() {
@@ -248,9 +251,7 @@ HRESULT ZCANopenIGNode::ReloadSequence() {
     if (path.empty()) return S_FALSE;
     const std::wstring text = path.wstring();
     if (SUCCEEDED(LoadSequence(text.c_str(), nullptr))) return S_OK;
-    NCommon::ShowUserMessage(
-        NResources::Print(NResources::LoadText(IDS_IG_LOAD_FAILED), mSettings.name + L": ", text),
-        NSdk::kMessageExclamation);
+    TellThatLoadingFailed(text);
     return E_FAIL;
   });
 }
@@ -313,63 +314,12 @@ HRESULT ZCANopenIGNode::SetItemEnabled(std::uint32_t list, std::uint32_t positio
   NCanopen::ZMsgItemInfo* item = FindItem(list, position);
   if (!item) return E_INVALIDARG;
   item->SetEnabled(enabled ? 1 : 0);
+  if (mView) mView->ItemChanged({static_cast<NSdk::GeneratorList>(list), position});
   return S_OK;
 }
 
 HRESULT ZCANopenIGNode::SetEvents(NSdk::IGeneratorEvents* events) {
   return NCom::Entry([&] { mEvents = events; });
-}
-
-void ZCANopenIGNode::ItemSent(const ItemPlace& place) {
-  const auto events = mEvents;
-  if (events) events->OnItemSent(place.list, static_cast<std::uint32_t>(place.position));
-}
-
-void ZCANopenIGNode::ItemFailed(const ItemPlace& place) {
-  const auto events = mEvents;
-  if (events) events->OnItemFailed(place.list, static_cast<std::uint32_t>(place.position));
-}
-
-void ZCANopenIGNode::TransferEnded(const ItemPlace& place, const SdoTransferResult& result) {
-  const auto events = mEvents;
-  if (!events) return;
-  events->OnTransferEnded(place.list, static_cast<std::uint32_t>(place.position), result.result, result.bytes,
-                          result.abortCode);
-}
-
-// ---- windows
-
-// The block is driven through IGenerator; it has no window of its own.
-HRESULT ZCANopenIGNode::CreateBlockWindow(NSdk::IWindowSite*) {
-  NCom::ModuleScope scope;
-  return E_FAIL;
-}
-
-HRESULT ZCANopenIGNode::DestroyBlockWindow() {
-  NCom::ModuleScope scope;
-  return S_OK;
-}
-
-HRESULT ZCANopenIGNode::GetBlockWindow(void** window) {
-  NCom::ModuleScope scope;
-  return window ? S_FALSE : E_POINTER;
-}
-
-HRESULT ZCANopenIGNode::GetSizes(NSdk::WindowSize*, NSdk::WindowSize*) {
-  NCom::ModuleScope scope;
-  return E_FAIL;
-}
-
-// A measurement that runs goes on with the numbers that it was started with.
-HRESULT ZCANopenIGNode::Configure(void* parentWindow) {
-  return NCom::Entry([&]() -> HRESULT {
-    GeneratorNumbers numbers = mSettings.numbers;
-    const HRESULT result = EditSettings(parentWindow, numbers);
-    if (result != S_OK) return result;
-    mSettings.numbers = numbers;
-    if (mSite) mSite->BlockChanged();
-    return S_OK;
-  });
 }
 
 }  // namespace NIg

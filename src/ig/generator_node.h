@@ -6,17 +6,23 @@
 #include "com/com_ptr.h"
 #include "com/implements.h"
 #include "ig/generator.h"
+#include "ig/generator_view.h"
+#include "ig/list_editing.h"
+#include "ig/transmission_results.h"
 #include "sdk/blocks.h"
 #include "sdk/generator.h"
+#include "sdk/host_application.h"
 #include "sdk/persistence.h"
+#include "sdk/unsaved_work.h"
 #include "sdk/views.h"
 #include "sdo/node_list.h"
 
 namespace NIg {
 
-using GeneratorInterfaces = NCom::Implements<NSdk::IPlugInBlock, NSdk::IMSFinalNode, NSdk::IMSTransferNode,
-                                             NSdk::IRTClient, NSdk::ICANEvents, NSdk::ITimerSink,
-                                             NSdk::IPersistentObject, NSdk::IGenerator, NSdk::IUIEventsEx>;
+using GeneratorInterfaces =
+    NCom::Implements<NSdk::IPlugInBlock, NSdk::IMSFinalNode, NSdk::IMSTransferNode, NSdk::IRTClient,
+                     NSdk::ICANEvents, NSdk::ITimerSink, NSdk::IPersistentObject, NSdk::IGenerator,
+                     NSdk::IUIEventsEx, NSdk::IUnsavedWork, NSdk::ISettingEvents>;
 
 /// ProgID "HarlowPlugIn.CANopenIG": composes CANopen messages and sends them on one CAN channel.
 class ZCANopenIGNode final : public GeneratorInterfaces, private TransmissionObserver {
@@ -33,6 +39,25 @@ class ZCANopenIGNode final : public GeneratorInterfaces, private TransmissionObs
   /// Nodes that the databases of that channel describe, read again when the assignment of databases has
   /// changed.
   const std::vector<NSdo::DatabaseNode>& DatabaseNodes();
+
+  // What its window works with
+
+  const NCanopen::ItemList& Items(NSdk::GeneratorList list) { return mGenerator.List(list); }
+  /// Changes the lists; not while the list is locked.
+  ListEditing& Editing() { return mEditing; }
+  /// A list whose items are being sent must stay as it is.
+  bool IsLocked(NSdk::GeneratorList list) const { return mGenerator.IsLocked(list); }
+  TransmissionResults& Results() { return mResults; }
+  const bool* HexDisplay() const { return &mHexDisplay; }
+  /// Lets the user edit an item in the dialog of its kind. True: it was changed.
+  bool EditItem(NCanopen::ZMsgItemInfo& item, NSdk::GeneratorList list, void* parentWindow);
+  /// The buttons "Open" and "Save as". False: cancelled or failed, which the user was told.
+  bool OpenSequence(void* parentWindow);
+  bool SaveSequenceAs(void* parentWindow);
+  /// ReloadSequence, unless the lists were filled or a file was loaded before.
+  void ReloadOnce();
+  /// The generator starts to tell this window and puts it into the present state; null: it stops.
+  void ShowIn(GeneratorWindow* window) { mGenerator.SetWindow(window); }
 
   /// Where the module has no windows, the block has no IUIEventsEx.
   HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override;
@@ -80,6 +105,12 @@ class ZCANopenIGNode final : public GeneratorInterfaces, private TransmissionObs
   HRESULT STDMETHODCALLTYPE GetSizes(NSdk::WindowSize* preferred, NSdk::WindowSize* minimum) override;
   HRESULT STDMETHODCALLTYPE Configure(void* parentWindow) override;
 
+  // IUnsavedWork
+  HRESULT STDMETHODCALLTYPE ConfirmLeaving(void* parentWindow) override;
+
+  // ISettingEvents
+  HRESULT STDMETHODCALLTYPE OnSettingsChanged() override;
+
  private:
   void ItemSent(const ItemPlace& place) override;
   void ItemFailed(const ItemPlace& place) override;
@@ -91,6 +122,15 @@ class ZCANopenIGNode final : public GeneratorInterfaces, private TransmissionObs
   NCanopen::ZMsgItemInfo* FindItem(std::uint32_t list, std::uint32_t position);
   void RememberSequence(const std::filesystem::path& path);
   void UpdateDataFolder();
+  void OnActivityChanged(std::uint32_t before, std::uint32_t after);
+  std::wstring Caption() const;
+  void ShowCaption();
+  void TellThatLoadingFailed(const std::wstring& path) const;
+  bool ConfirmUnsaved(void* parentWindow);
+  void FollowSettings();
+  void LeaveSettings();
+  void ReadNumberBase();
+  void CloseWindow();
 
   NCom::ComPtr<NSdk::IBlockSite> mSite;
   NCom::ComPtr<NSdk::IGeneratorEvents> mEvents;
@@ -99,8 +139,15 @@ class ZCANopenIGNode final : public GeneratorInterfaces, private TransmissionObs
   std::vector<NSdo::DatabaseNode> mDatabaseNodes;
   std::uint32_t mNodesRevision = 0;  // of the channel manager; 0: they were never read
   std::uint32_t mNodesChannel = 0;
-  bool mHexDisplay = true;  // shared by all items of the block
+  bool mHexDisplay = true;    // shared by all items of the block
+  bool mReloaded = false;     // the file that the settings remember was asked for
+  bool mShowsOutput = false;  // the caption tells the channel: the settings were changed last
   Generator mGenerator;
+  ListEditing mEditing{mGenerator.List(NSdk::kSequenceList), mGenerator.List(NSdk::kCyclicList)};
+  TransmissionResults mResults;
+  NCom::ComPtr<NSdk::IEventSource> mHostSettings;  // followed while there is a window
+  std::uint32_t mSettingsCookie = 0;
+  std::unique_ptr<GeneratorView> mView;
 };
 
 }  // namespace NIg

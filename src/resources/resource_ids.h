@@ -48,6 +48,19 @@
 #define IDS_IG_EXECUTE 2000
 #define IDS_IG_START_CYCLIC 2001
 #define IDS_IG_STOP 2002
+#define IDS_IG_COL_RESULT 2003
+#define IDS_IG_RESULT_SENT 2004
+#define IDS_IG_RESULT_TRANSFERRING 2005
+#define IDS_IG_RESULT_DONE 2006
+#define IDS_IG_RESULT_ABORTED 2007
+#define IDS_IG_RESULT_TIMEOUT 2008
+#define IDS_IG_RESULT_REFUSED 2009
+#define IDS_IG_RESULT_DROPPED 2010
+#define IDS_IG_RESULT_FAILED 2011
+#define IDS_IG_FILE_FILTER 2012
+#define IDS_IG_ASK_SAVE 2013
+#define IDS_IG_SAVE_FAILED 2014
+#define IDS_IG_SAVED_WITH_LOSS 2015
 
 // Entry fields and the data composer
 #define IDS_ENTRY_RANGE 766
@@ -90,6 +103,10 @@
 #define IDS_BASE_DEC 2060
 #define IDS_BASE_HEX 2061
 #define IDS_DATA_FILE_FILTER 2062
+// What SDO abort codes mean: behind the first, which stands for all that are not known, their places in
+// sdo/engine/abort_codes.h
+#define IDS_SDO_ABORT_UNKNOWN 2500
+#define IDS_SDO_ABORT_FIRST IDS_SDO_ABORT_UNKNOWN
 
 // Sending of NMT commands
 #define IDS_NMT_NO_BLOCK_IN_NETWORK 822
@@ -143,6 +160,9 @@
 #define IDB_SCAN_NODES 216
 #define IDB_SCAN_NODES_24 2160
 #define IDB_SCAN_NODES_32 2161
+#define IDB_IG_RESULTS 2162
+#define IDB_IG_RESULTS_24 2163
+#define IDB_IG_RESULTS_32 2164
 #define IDB_TOOL_BRACKWELL 228
 #define IDB_TOOL_QUILLON 773
 #define IDB_NMT_OPERATIONAL 794
@@ -216,6 +236,8 @@
 #define IDC_IG_CONFIGURE 2229
 #define IDC_IG_OPEN 2230
 #define IDC_IG_SAVE 2231
+#define IDC_IG_SPLIT_TREE 2232
+#define IDC_IG_SPLIT_LISTS 2233
 
 // Controls of the item editors; what several of them have, has one number
 #define IDC_EDIT_NODE_ID 2240

@@ -8,6 +8,7 @@
 
 #include "common/text.h"
 #include "common/user_messages.h"
+#include "common/win/file_filter.h"
 #include "common/win/help.h"
 #include "resources/resource_ids.h"
 #include "resources/text.h"
@@ -23,14 +24,6 @@ constexpr struct {
     {IDC_DATA_STRING, kDataString},     {IDC_DATA_REAL32, kDataFloat},         {IDC_DATA_REAL64, kDataDouble},
     {IDC_DATA_FILE, kDataFile},
 };
-
-/// The filter of a file dialog: what users read, with bars between the parts.
-std::wstring FilterOf(std::wstring text) {
-  for (wchar_t& character : text) {
-    if (character == L'|') character = L'\0';
-  }
-  return text;
-}
 
 }  // namespace
 
@@ -110,7 +103,7 @@ bool ZMsgDataComposerDlg::OnCommand(int id, int notification) {
 
 void ZMsgDataComposerDlg::Browse() {
   std::array<wchar_t, 32768> path = {};  // as long as the system allows
-  const std::wstring filter = FilterOf(NResources::LoadText(IDS_DATA_FILE_FILTER));
+  const std::wstring filter = NCommon::FileFilter(NResources::LoadText(IDS_DATA_FILE_FILTER));
   const std::wstring folder = mFolder.wstring();
   OPENFILENAMEW dialog = {};
   dialog.lStructSize = sizeof dialog;

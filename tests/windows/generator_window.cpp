@@ -1,0 +1,206 @@
+#include "tests/windows/generator_window.h"
+
+#include <fstream>
+
+namespace NTest {
+
+// ---- a measurement
+
+class SteppedRuntime::Timer final : public NRuntime::Implements<NSdk::ITimer> {
+ public:
+  Timer(SteppedRuntime& runtime, NSdk::ITimerSink& sink) : mRuntime(&runtime), mSink(sink) {
+    runtime.mTimers.push_back(this);
+  }
+  ~Timer() override { std::erase(mRuntime->mTimers, this); }
+  HRESULT STDMETHODCALLTYPE Stop() override {
+    mRunning = false;
+    return S_OK;
+  }
+  HRESULT STDMETHODCALLTYPE Start(std::uint32_t, std::uint32_t periodic) override {
+    mRunning = true;
+    mPeriodic = periodic != 0;
+    return S_OK;
+  }
+  void Expire() {
+    if (!mRunning) return;
+    mRunning = mPeriodic;
+    mSink.OnTimer(this);
+  }
+
+ private:
+  ComPtr<SteppedRuntime> mRuntime;
+  NSdk::ITimerSink& mSink;
+  bool mRunning = false;
+  bool mPeriodic = false;
+};
+
+namespace {
+
+class Output final : public NRuntime::Implements<NSdk::ICANOutput> {
+ public:
+  explicit Output(SteppedRuntime& runtime) : mRuntime(&runtime) {}
+  HRESULT STDMETHODCALLTYPE Transmit(const NSdk::CanFrame* frame) override {
+    wchar_t text[16];
+    swprintf(text, 16, L"%X", static_cast<unsigned>(frame->identifier));
+    std::wstring line = text;
+    for (unsigned i = 0; i < (frame->flags & NSdk::kFrameDlcMask); ++i) {
+      swprintf(text, 16, L" %02X", frame->data[i]);
+      line += text;
+    }
+    mRuntime->sent.push_back(line);
+    return S_OK;
+  }
+  HRESULT STDMETHODCALLTYPE TransmitMessage(NSdk::ICANMessage*) override { return E_NOTIMPL; }
+
+ private:
+  ComPtr<SteppedRuntime> mRuntime;
+};
+
+}  // namespace
+
+HRESULT SteppedRuntime::CreateTimer(NSdk::ITimerSink* sink, NSdk::ITimer** timer) {
+  return ComPtr<NSdk::ITimer>(NRuntime::Make<Timer>(*this, *sink).Get()).MoveTo(timer);
+}
+
+HRESULT SteppedRuntime::GetCanOutput(std::uint32_t, NSdk::ICANOutput** output) {
+  return ComPtr<NSdk::ICANOutput>(NRuntime::Make<Output>(*this).Get()).MoveTo(output);
+}
+
+HRESULT SteppedRuntime::GetTime(std::int64_t* time_ns) { return NRuntime::HandOut(std::int64_t{0}, time_ns); }
+
+void SteppedRuntime::Step() {
+  std::vector<ComPtr<Timer>> timers;
+  for (Timer* timer : mTimers) timers.emplace_back(timer);
+  for (const auto& timer : timers) timer->Expire();
+}
+
+// ---- the block
+
+GeneratorWindowTest::GeneratorWindowTest() {
+  host.application->numberBase = 16;
+  EXPECT_EQ(events->CreateBlockWindow(host.frame.Get()), S_OK);
+  MoveWindow(Window(), 0, 0, 640, 460, FALSE);
+  SetFocus(Control(IDC_IG_TEMPLATES));
+}
+
+GeneratorWindowTest::~GeneratorWindowTest() {
+  client->StopMeasurement();
+  NRuntime::Query<NSdk::IPlugInBlock>(block)->Detach();
+  std::error_code ignored;
+  std::filesystem::remove_all(folder, ignored);
+}
+
+HWND GeneratorWindowTest::Window() {
+  void* window = nullptr;
+  events->GetBlockWindow(&window);
+  return static_cast<HWND>(window);
+}
+
+std::filesystem::path GeneratorWindowTest::Folder() {
+  const auto path = std::filesystem::temp_directory_path() /
+                    ("ostrel generator window " + std::to_string(GetCurrentProcessId()));
+  std::filesystem::create_directories(path);
+  return path;
+}
+
+std::filesystem::path GeneratorWindowTest::Database(const std::filesystem::path& folder) {
+  std::ofstream(folder / "nodes.dbc") << "VERSION \"\"\nBU_: Drive\nBA_DEF_ BU_ \"CO_ID\" INT 0 127;\n"
+                                         "BA_ \"CO_ID\" BU_ Drive 5;\n";
+  return folder / "nodes.dbc";
+}
+
+// ---- hands
+
+void GeneratorWindowTest::Press(WPARAM key, unsigned modifiers) {
+  BYTE keys[256] = {};
+  keys[VK_SHIFT] = (modifiers & kWithShift) ? 0x80 : 0;
+  keys[VK_CONTROL] = (modifiers & kWithCtrl) ? 0x80 : 0;
+  keys[VK_MENU] = (modifiers & kWithAlt) ? 0x80 : 0;
+  SetKeyboardState(keys);
+  constexpr LPARAM kAltDown = 1 << 29;
+  MSG message = {};
+  message.hwnd = GetFocus();
+  message.message = (modifiers & kWithAlt) ? WM_SYSCHAR : WM_KEYDOWN;
+  message.wParam = key;
+  message.lParam = (modifiers & kWithAlt) ? kAltDown : 1;
+  if (!IsDialogMessageW(Window(), &message)) DispatchMessageW(&message);
+  const BYTE released[256] = {};
+  SetKeyboardState(const_cast<BYTE*>(released));
+  PumpFor(1);
+}
+
+void GeneratorWindowTest::Drag(HWND from, POINT start, HWND to, POINT end) {
+  PostMessageW(from, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(start.x, start.y));
+  for (int step = 1; step <= 4; ++step) {
+    PostMessageW(from, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(start.x + 5 * step, start.y + 5 * step));
+  }
+  PumpFor(30);
+  MapWindowPoints(to, Window(), &end, 1);
+  SendMessageW(Window(), WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(end.x, end.y));
+  SendMessageW(Window(), WM_LBUTTONUP, 0, MAKELPARAM(end.x, end.y));
+  PostMessageW(from, WM_LBUTTONUP, 0, 0);  // the control is still waiting for it
+  PumpFor(10);
+}
+
+HTREEITEM GeneratorWindowTest::Choose(std::initializer_list<const wchar_t*> labels) {
+  const HWND tree = Control(IDC_IG_TEMPLATES);
+  HTREEITEM entry = nullptr;
+  for (const wchar_t* label : labels) {
+    entry = entry ? TreeView_GetChild(tree, entry) : TreeView_GetRoot(tree);
+    for (; entry; entry = TreeView_GetNextSibling(tree, entry)) {
+      wchar_t text[128] = {};
+      TVITEMW item = {};
+      item.mask = TVIF_TEXT;
+      item.hItem = entry;
+      item.pszText = text;
+      item.cchTextMax = 128;
+      SendMessageW(tree, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item));
+      if (std::wstring(text) == label) break;
+    }
+    if (!entry) return nullptr;
+  }
+  TreeView_SelectItem(tree, entry);
+  SetFocus(tree);
+  return entry;
+}
+
+void GeneratorWindowTest::SelectRows(HWND list, std::initializer_list<int> rows) {
+  SetFocus(list);
+  ListView_SetItemState(list, -1, 0, LVIS_SELECTED);
+  for (const int row : rows) {
+    ListView_SetItemState(list, row, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+  }
+}
+
+void GeneratorWindowTest::WithFile(const std::filesystem::path& file, const std::function<void()>& open) {
+  constexpr int kFileName = 0x47C;
+  WhileOpen(L"#32770", open, [&](HWND dialog) {
+    SetDlgItemTextW(dialog, kFileName, file.wstring().c_str());
+    SendMessageW(dialog, WM_COMMAND, IDOK, 0);
+  });
+}
+
+// ---- eyes
+
+std::wstring GeneratorWindowTest::Rows(HWND list) {
+  std::wstring texts;
+  for (int row = 0; row < ListView_GetItemCount(list); ++row) {
+    const std::wstring type = Cell(list, row, 0);
+    const bool checked = ListView_GetCheckState(list, row) != 0;
+    texts += (row == 0 ? L"" : L" ") + (checked ? type : L"[" + type + L"]");
+    if (ListView_GetItemState(list, row, LVIS_SELECTED) != 0) texts += L"*";
+  }
+  return texts;
+}
+
+std::wstring GeneratorWindowTest::Cell(HWND list, int row, int column) {
+  wchar_t text[256] = {};
+  LVITEMW item = {};
+  item.iSubItem = column;
+  item.pszText = text;
+  item.cchTextMax = 256;
+  SendMessageW(list, LVM_GETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+  return text;
+}
+
+}  // namespace NTest
