@@ -47,6 +47,10 @@ void RowTip::Hide() {
 
 LRESULT CALLBACK RowTip::Procedure(HWND list, UINT message, WPARAM wide, LPARAM lng, UINT_PTR,
                                    DWORD_PTR object) {
+  if (message != WM_KEYDOWN && message != WM_NCDESTROY &&
+      (message < WM_MOUSEFIRST || message > WM_MOUSELEAVE)) {
+    return DefSubclassProc(list, message, wide, lng);
+  }
   auto& tip = *reinterpret_cast<RowTip*>(object);
   SystemEntry<bool>(false, [&] {
     const POINT place = {GET_X_LPARAM(lng), GET_Y_LPARAM(lng)};

@@ -31,7 +31,9 @@ HRESULT GeneratorDialog::Create(NSdk::IWindowSite* site) {
   if (site->GetParentWindow(&parent) != S_OK || !parent) return S_FALSE;
   if (!Dialog::Create(static_cast<HWND>(parent))) return E_FAIL;
   mSite = site;
+  mAtOnce = true;
   mBlock.ShowIn(this);
+  mAtOnce = false;
   ShowButtons();
   ShowWindow(Window(), SW_SHOWNA);
   return S_OK;
@@ -177,8 +179,16 @@ void GeneratorDialog::ShowButtons() {
 
 // ---- what a running block asks for
 
+void GeneratorDialog::Tell(UINT message, WPARAM wide, LPARAM lng) {
+  if (mAtOnce) {
+    OnPrivateMessage(message, wide, lng);
+  } else {
+    PostMessageW(Window(), message, wide, lng);
+  }
+}
+
 void GeneratorDialog::EnableControl(WindowControl control, bool enable) {
-  if (Window()) PostMessageW(Window(), kMessageEnableControl, static_cast<WPARAM>(control), enable);
+  if (Window()) Tell(kMessageEnableControl, static_cast<WPARAM>(control), enable);
 }
 
 void GeneratorDialog::StopTimer(const NCom::ComPtr<NSdk::ITimer>& timer) {
@@ -188,20 +198,19 @@ void GeneratorDialog::StopTimer(const NCom::ComPtr<NSdk::ITimer>& timer) {
     return;
   }
   mPostedTimers.push_back(timer);
-  PostMessageW(Window(), kMessageStopTimer, reinterpret_cast<WPARAM>(timer.Get()), 0);
+  Tell(kMessageStopTimer, reinterpret_cast<WPARAM>(timer.Get()), 0);
 }
 
 void GeneratorDialog::SelectItem(WindowControl list, std::size_t position) {
   if (!Window()) return;
-  PostMessageW(Window(), kMessageSelectItem, static_cast<WPARAM>(list), static_cast<LPARAM>(position));
+  Tell(kMessageSelectItem, static_cast<WPARAM>(list), static_cast<LPARAM>(position));
 }
 
 void GeneratorDialog::SetText(WindowControl control, const std::wstring& text) {
   if (!Window()) return;
   if (control == kControlExecute) mExecuteText = text;
   mPostedTexts.push_back(text);
-  PostMessageW(Window(), kMessageSetText, static_cast<WPARAM>(control),
-               reinterpret_cast<LPARAM>(mPostedTexts.back().c_str()));
+  Tell(kMessageSetText, static_cast<WPARAM>(control), reinterpret_cast<LPARAM>(mPostedTexts.back().c_str()));
 }
 
 std::wstring GeneratorDialog::Text(WindowControl control) const {

@@ -61,6 +61,7 @@ class GeneratorDialog final : public GeneratorView, private NCommon::Dialog, pri
   void RefreshTemplates();
   bool OnButton(int id);
   void ShowButtons();
+  void Tell(UINT message, WPARAM wide, LPARAM lng);
   std::optional<LRESULT> OnPrivateMessage(UINT message, WPARAM wide, LPARAM lng);
   HWND ControlOf(WPARAM idOrWindow) const;
   void SelectNow(HWND control, LPARAM row);
@@ -113,6 +114,7 @@ class GeneratorDialog final : public GeneratorView, private NCommon::Dialog, pri
   NCommon::Splitter mTreeSplitter, mListSplitter;
 
   Dragged mDragged;
+  bool mAtOnce = false;  // the window is being made: what the block wants is done and not posted
   // What posted messages point at.
   std::list<std::wstring> mPostedTexts;
   std::list<NCom::ComPtr<NSdk::ITimer>> mPostedTimers;

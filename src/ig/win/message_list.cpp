@@ -71,8 +71,16 @@ void MessageList::AddColumns() {
   }
 }
 
+// Lists get messages by the thousand; those that are not for it do not enter the module.
+bool MessageList::Concerns(UINT message) {
+  constexpr UINT kConcerned[] = {WM_GETDLGCODE,    WM_KEYDOWN, WM_CHAR,      WM_LBUTTONDOWN,
+                                 WM_LBUTTONDBLCLK, WM_VSCROLL, WM_MOUSEWHEEL};
+  return std::ranges::find(kConcerned, message) != std::end(kConcerned);
+}
+
 LRESULT CALLBACK MessageList::Procedure(HWND control, UINT message, WPARAM wide, LPARAM lng, UINT_PTR,
                                         DWORD_PTR object) {
+  if (!Concerns(message)) return DefSubclassProc(control, message, wide, lng);
   auto* const list = reinterpret_cast<MessageList*>(object);
   const auto answer = NCommon::SystemEntry<std::optional<LRESULT>>(
       std::nullopt, [&] { return list->Handle(message, wide, lng); });
@@ -198,6 +206,10 @@ std::optional<LRESULT> MessageList::OnNotify(NMHDR& notification) {
 
 Rows MessageList::Selected() const {
   Rows rows;
+  if (ListView_GetSelectedCount(mControl) == Items().size()) {
+    for (std::size_t row = 0; row < Items().size(); ++row) rows.push_back(row);
+    return rows;
+  }
   for (int row = ListView_GetNextItem(mControl, -1, LVNI_SELECTED);
        row >= 0 && static_cast<std::size_t>(row) < Items().size();
        row = ListView_GetNextItem(mControl, row, LVNI_SELECTED)) {
@@ -212,15 +224,26 @@ std::optional<std::size_t> MessageList::Focused() const {
   return static_cast<std::size_t>(row);
 }
 
+// Each row costs messages, so the smaller part is set row by row.
+void MessageList::SelectSome(const Rows& rows) {
+  const bool most = rows.size() > Items().size() / 2;
+  const UINT others = most ? LVIS_SELECTED : 0;
+  ListView_SetItemState(mControl, -1, others, LVIS_SELECTED);
+  auto next = rows.begin();
+  for (std::size_t row = 0; row < Items().size() && (most || next != rows.end()); ++row) {
+    const bool selected = next != rows.end() && *next == row;
+    if (selected) ++next;
+    if (selected == most) continue;
+    ListView_SetItemState(mControl, static_cast<int>(row), most ? 0 : LVIS_SELECTED, LVIS_SELECTED);
+  }
+}
+
 void MessageList::Select(const Rows& rows) {
   if (!mControl) return;
   if (rows.size() == Items().size() && !rows.empty()) {
     ListView_SetItemState(mControl, -1, LVIS_SELECTED, LVIS_SELECTED);
   } else {
-    ListView_SetItemState(mControl, -1, 0, LVIS_SELECTED);
-    for (const std::size_t row : rows) {
-      ListView_SetItemState(mControl, static_cast<int>(row), LVIS_SELECTED, LVIS_SELECTED);
-    }
+    SelectSome(rows);
   }
   if (rows.empty()) return;
   const int first = static_cast<int>(rows.front());

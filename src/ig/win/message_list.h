@@ -63,11 +63,13 @@ class MessageList {
   std::optional<LRESULT> OnNotify(NMHDR& notification);
 
  private:
+  static bool Concerns(UINT message);
   static LRESULT CALLBACK Procedure(HWND control, UINT message, WPARAM wide, LPARAM lng, UINT_PTR id,
                                     DWORD_PTR list);
   std::optional<LRESULT> Handle(UINT message, WPARAM wide, LPARAM lng);
   const NCanopen::ItemList& Items() const { return mBlock.Items(mList); }
   void AddColumns();
+  void SelectSome(const Rows& rows);
   void AnswerCell(LVITEMW& item) const;
   std::wstring CellText(std::size_t row, int column) const;
   LRESULT Draw(const NMLVCUSTOMDRAW& draw) const;
