@@ -112,10 +112,11 @@ std::filesystem::path GeneratorWindowTest::Database(const std::filesystem::path&
 // ---- hands
 
 void GeneratorWindowTest::Press(WPARAM key, unsigned modifiers) {
+  constexpr BYTE kDown = 0x80;
   BYTE keys[256] = {};
-  keys[VK_SHIFT] = (modifiers & kWithShift) ? 0x80 : 0;
-  keys[VK_CONTROL] = (modifiers & kWithCtrl) ? 0x80 : 0;
-  keys[VK_MENU] = (modifiers & kWithAlt) ? 0x80 : 0;
+  if (modifiers & kWithShift) keys[VK_SHIFT] = kDown;
+  if (modifiers & kWithCtrl) keys[VK_CONTROL] = kDown;
+  if (modifiers & kWithAlt) keys[VK_MENU] = kDown;
   SetKeyboardState(keys);
   constexpr LPARAM kAltDown = 1 << 29;
   MSG message = {};
@@ -124,8 +125,8 @@ void GeneratorWindowTest::Press(WPARAM key, unsigned modifiers) {
   message.wParam = key;
   message.lParam = (modifiers & kWithAlt) ? kAltDown : 1;
   if (!IsDialogMessageW(Window(), &message)) DispatchMessageW(&message);
-  const BYTE released[256] = {};
-  SetKeyboardState(const_cast<BYTE*>(released));
+  BYTE released[256] = {};
+  SetKeyboardState(released);
   PumpFor(1);
 }
 
