@@ -128,7 +128,7 @@ bool GeneratorDialog::OnKey(WPARAM key, bool inTree) {
 bool GeneratorDialog::OnListKey(NSdk::GeneratorList list, WPARAM key) {
   mActive = list;
   if (key == 'A' && Modifiers() == kCtrl) {
-    ListView_SetItemState(List(list).Control(), -1, LVIS_SELECTED, LVIS_SELECTED);
+    List(list).SelectAll();
     return true;
   }
   return OnKey(key, /*inTree=*/false);

@@ -3,6 +3,7 @@
 #include <windowsx.h>
 
 #include <algorithm>
+#include <numeric>
 
 #include "common/text.h"
 #include "common/win/dpi.h"
@@ -240,17 +241,26 @@ void MessageList::SelectSome(const Rows& rows) {
 
 void MessageList::Select(const Rows& rows) {
   if (!mControl) return;
+  SendMessageW(mControl, WM_SETREDRAW, FALSE, 0);
   if (rows.size() == Items().size() && !rows.empty()) {
     ListView_SetItemState(mControl, -1, LVIS_SELECTED, LVIS_SELECTED);
   } else {
     SelectSome(rows);
   }
+  SendMessageW(mControl, WM_SETREDRAW, TRUE, 0);
+  InvalidateRect(mControl, nullptr, FALSE);
   if (rows.empty()) return;
   const int first = static_cast<int>(rows.front());
   ListView_SetItemState(mControl, first, LVIS_FOCUSED, LVIS_FOCUSED);
   ListView_SetSelectionMark(mControl, first);
   ListView_EnsureVisible(mControl, static_cast<int>(rows.back()), FALSE);
   ListView_EnsureVisible(mControl, first, FALSE);
+}
+
+void MessageList::SelectAll() {
+  Rows rows(Items().size());
+  std::iota(rows.begin(), rows.end(), std::size_t{0});
+  Select(rows);
 }
 
 std::size_t MessageList::InsertPosition() const {

@@ -50,6 +50,7 @@ class MessageList {
   std::optional<std::size_t> Focused() const;
   /// Selects these rows alone; the first gets the focus.
   void Select(const Rows& rows);
+  void SelectAll();
   /// Where rows are inserted: behind the selected ones, at the end when none are.
   std::size_t InsertPosition() const;
 
