@@ -1,7 +1,5 @@
 #include "tests/windows/generator_window.h"
 
-#include <fstream>
-
 namespace NTest {
 
 // ---- a measurement
@@ -86,8 +84,6 @@ GeneratorWindowTest::GeneratorWindowTest() {
 GeneratorWindowTest::~GeneratorWindowTest() {
   client->StopMeasurement();
   NRuntime::Query<NSdk::IPlugInBlock>(block)->Detach();
-  std::error_code ignored;
-  std::filesystem::remove_all(folder, ignored);
 }
 
 HWND GeneratorWindowTest::Window() {
@@ -96,17 +92,10 @@ HWND GeneratorWindowTest::Window() {
   return static_cast<HWND>(window);
 }
 
-std::filesystem::path GeneratorWindowTest::Folder() {
-  const auto path = std::filesystem::temp_directory_path() /
-                    ("ostrel generator window " + std::to_string(GetCurrentProcessId()));
-  std::filesystem::create_directories(path);
-  return path;
-}
-
-std::filesystem::path GeneratorWindowTest::Database(const std::filesystem::path& folder) {
-  std::ofstream(folder / "nodes.dbc") << "VERSION \"\"\nBU_: Drive\nBA_DEF_ BU_ \"CO_ID\" INT 0 127;\n"
-                                         "BA_ \"CO_ID\" BU_ Drive 5;\n";
-  return folder / "nodes.dbc";
+std::filesystem::path GeneratorWindowTest::Database() {
+  return WriteFile(
+      folder / "nodes.dbc",
+      "VERSION \"\"\nBU_: Drive\nBA_DEF_ BU_ \"CO_ID\" INT 0 127;\nBA_ \"CO_ID\" BU_ Drive 5;\n");
 }
 
 // ---- hands

@@ -1,14 +1,11 @@
 #pragma once
 // A generator block with its window, driven by keys and messages.
 
-#include <gtest/gtest.h>
-
-#include <filesystem>
-
 #include "resources/resource_ids.h"
 #include "sdk/class_ids.h"
 #include "sdk/generator.h"
 #include "sdk/unsaved_work.h"
+#include "tests/test_folder.h"
 #include "tests/windows/window_host.h"
 
 namespace NTest {
@@ -41,7 +38,6 @@ class GeneratorWindowTest : public testing::Test {
   HWND Control(int id) { return GetDlgItem(Window(), id); }
   HWND Sequence() { return Control(IDC_IG_SEQUENCE); }
   HWND Cyclic() { return Control(IDC_IG_CYCLIC); }
-  /// A new folder of this test.
   std::filesystem::path File(const wchar_t* name) const { return folder / name; }
 
   // The user's hands
@@ -68,11 +64,11 @@ class GeneratorWindowTest : public testing::Test {
   void Start() { client->StartMeasurement(runtime.Get()); }
   void Stop() { client->StopMeasurement(); }
 
-  static std::filesystem::path Folder();
-  static std::filesystem::path Database(const std::filesystem::path& folder);
+  /// Describes node 5, "Drive".
+  std::filesystem::path Database();
 
-  std::filesystem::path folder = Folder();
-  WindowHost host{NSdk::kHostHalvard, Database(folder)};
+  TestFolder folder;
+  WindowHost host{NSdk::kHostHalvard, Database()};
   ComPtr<IUnknown> block = host.AddBlock(NSdk::kProgIdCANopenIG);
   ComPtr<NSdk::IUIEventsEx> events = NRuntime::Query<NSdk::IUIEventsEx>(block);
   ComPtr<NSdk::IGenerator> generator = NRuntime::Query<NSdk::IGenerator>(block);

@@ -225,28 +225,33 @@ std::optional<std::size_t> MessageList::Focused() const {
   return static_cast<std::size_t>(row);
 }
 
-// Each row costs messages, so the smaller part is set row by row.
-void MessageList::SelectSome(const Rows& rows) {
-  const bool most = rows.size() > Items().size() / 2;
-  const UINT others = most ? LVIS_SELECTED : 0;
-  ListView_SetItemState(mControl, -1, others, LVIS_SELECTED);
+void MessageList::SetSelected(std::size_t row, bool selected) {
+  ListView_SetItemState(mControl, static_cast<int>(row), selected ? LVIS_SELECTED : 0, LVIS_SELECTED);
+}
+
+// Each row that changes costs messages, and so does each row of the list when all are set at once.
+void MessageList::ChangeSelection(const Rows& rows) {
+  const std::size_t count = Items().size();
+  const Rows before = Selected();
+  if (before.size() + rows.size() <= count / 2) {
+    for (const std::size_t row : before) SetSelected(row, false);
+    for (const std::size_t row : rows) SetSelected(row, true);
+    return;
+  }
+  const bool most = rows.size() > count / 2;
+  ListView_SetItemState(mControl, -1, most ? LVIS_SELECTED : 0u, LVIS_SELECTED);
   auto next = rows.begin();
-  for (std::size_t row = 0; row < Items().size() && (most || next != rows.end()); ++row) {
+  for (std::size_t row = 0; row < count; ++row) {
     const bool selected = next != rows.end() && *next == row;
     if (selected) ++next;
-    if (selected == most) continue;
-    ListView_SetItemState(mControl, static_cast<int>(row), most ? 0 : LVIS_SELECTED, LVIS_SELECTED);
+    if (selected != most) SetSelected(row, selected);
   }
 }
 
 void MessageList::Select(const Rows& rows) {
   if (!mControl) return;
   SendMessageW(mControl, WM_SETREDRAW, FALSE, 0);
-  if (rows.size() == Items().size() && !rows.empty()) {
-    ListView_SetItemState(mControl, -1, LVIS_SELECTED, LVIS_SELECTED);
-  } else {
-    SelectSome(rows);
-  }
+  ChangeSelection(rows);
   SendMessageW(mControl, WM_SETREDRAW, TRUE, 0);
   InvalidateRect(mControl, nullptr, FALSE);
   if (rows.empty()) return;

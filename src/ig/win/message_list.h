@@ -70,7 +70,8 @@ class MessageList {
   std::optional<LRESULT> Handle(UINT message, WPARAM wide, LPARAM lng);
   const NCanopen::ItemList& Items() const { return mBlock.Items(mList); }
   void AddColumns();
-  void SelectSome(const Rows& rows);
+  void SetSelected(std::size_t row, bool selected);
+  void ChangeSelection(const Rows& rows);
   void AnswerCell(LVITEMW& item) const;
   std::wstring CellText(std::size_t row, int column) const;
   LRESULT Draw(const NMLVCUSTOMDRAW& draw) const;
