@@ -3,50 +3,13 @@
 #include <algorithm>
 
 #include "host/bench/console.h"
+#include "host/configuration/document_objects.h"
 #include "host/runtime/text.h"
 
 namespace NBench {
 namespace {
 
 constexpr char kModuleName[] = "Ostrel.hpi";
-
-std::vector<NRuntime::CanChannel> MakeChannels(NBuses::BusFactory& factory,
-                                               const std::vector<ChannelOption>& options) {
-  std::vector<NRuntime::CanChannel> channels;
-  channels.reserve(options.size());
-  for (const ChannelOption& option : options) channels.push_back({option.number, factory.Make(option.bus)});
-  return channels;
-}
-
-const std::string& BusOf(const HostOptions& options, std::uint32_t channel) {
-  const auto found = std::find_if(options.channels.begin(), options.channels.end(),
-                                  [&](const ChannelOption& option) { return option.number == channel; });
-  return found->bus;
-}
-
-std::vector<std::unique_ptr<NDevices::DeviceOnBus>> MakeDevices(NRuntime::Loop& loop,
-                                                                NBuses::BusFactory& factory,
-                                                                const HostOptions& options) {
-  std::vector<std::unique_ptr<NDevices::DeviceOnBus>> devices;
-  devices.reserve(options.devices.size());
-  for (const DeviceOption& option : options.devices) {
-    devices.push_back(NDevices::AttachDevice(loop, factory.Make(BusOf(options, option.channel)),
-                                             option.device, ProgramFolder()));
-  }
-  return devices;
-}
-
-NRuntime::ConfigurationData MakeConfiguration(const HostOptions& options) {
-  NRuntime::ConfigurationData configuration;
-  configuration.path = options.configuration;
-  for (const ChannelOption& channel : options.channels) {
-    configuration.canChannels.push_back(channel.number);
-    for (const auto& database : channel.databases) {
-      configuration.databases.push_back({database, channel.number});
-    }
-  }
-  return configuration;
-}
 
 NodeNames NamesOf(const HostOptions& options) {
   NodeNames names;
@@ -89,11 +52,11 @@ class TextDialogs final : public NRuntime::Implements<NSdk::IUserDialogs> {
 Host::Host(const HostOptions& options, NRuntime::MeasurementObserver& observer,
            std::function<void(const std::string&)> showMessage)
     : mNames(NamesOf(options)),
-      mDevices(MakeDevices(mLoop, mBuses, options)),
-      mMeasurement(mLoop, MakeChannels(mBuses, options.channels), observer),
+      mDevices(NConfiguration::MakeDevices(mLoop, mBuses, options, ProgramFolder())),
+      mMeasurement(mLoop, NConfiguration::MakeChannels(mBuses, options.channels), observer),
       mApplication(NRuntime::Make<NRuntime::Application>(
           NRuntime::ApplicationSettings{options.variant, options.language, options.numberBase},
-          MakeConfiguration(options))),
+          NConfiguration::DataOf(options, options.configuration))),
       mSetup(NRuntime::Make<NRuntime::Setup>(*mApplication)),
       mModule(options.module.value_or(ProgramFolder() / kModuleName)) {
   mApplication->AddService<NSdk::IUserDialogs>(

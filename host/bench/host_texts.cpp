@@ -16,6 +16,23 @@ namespace {
 
 constexpr std::uint32_t kLastChannel = 255;
 
+constexpr char kHostHelp[] = R"(  --config FILE.json Take channels, devices, databases and generators from a
+                     configuration; options replace what it says, --device and
+                     --db add to it
+  --can NUMBER=BUS   Put CAN channel NUMBER on a bus; may be given several times
+                     (default: 1=virtual)
+  --channel NUMBER   Channel of the first generator and of what --device and --db
+                     add (default: the configuration's, else the lowest)
+  --device NODE[:FILE]
+                     Put a simulated CANopen device on that bus, an I/O device or
+                     the one that an EDS or DCF describes; may be given several times
+  --db FILE.dbc      CAN database of that channel
+  --variant NAME     Kind of host to be, halvard or tesmond (default: halvard)
+  --module PATH      Module to load (default: Ostrel.hpi beside this program)
+
+Buses:
+)";
+
 void TakeConfiguration(const std::string& text, HostOptions& options) {
   const std::filesystem::path file = std::filesystem::absolute(NRuntime::ToPath(text));
   NConfiguration::Document& document = options;
@@ -125,6 +142,8 @@ void HostTexts::AddOptions(CLI::App& app) {
   app.add_option("--variant", variant);
   app.add_option("--module", module);
 }
+
+std::string DescribeHostOptions() { return kHostHelp + NBuses::DescribeBusKinds(); }
 
 HostOptions CheckHost(const HostTexts& texts) {
   HostOptions options;

@@ -25,6 +25,9 @@ struct HostTexts {
   void AddOptions(CLI::App& app);
 };
 
+/// The lines of a help text for the options of AddOptions(), and what buses there are.
+std::string DescribeHostOptions();
+
 /// What the configuration says, if one is named, with the options in front of it: --can gives a channel
 /// another bus or adds one, --device replaces a device or adds one, --db adds a database. Without either
 /// there is one channel. Throws std::runtime_error, one line that names the option and its value, or the

@@ -26,21 +26,6 @@ Usage: ostrel-bench nmt COMMAND (all | NODE...) [OPTIONS]
 Options:
   --network NUMBER   Network to send to, 1 to 4, among those that a generator block
                      serves (default: 1)
-  --config FILE.json Take channels, devices, databases and the generator's settings
-                     from a configuration; options replace what it says, --device
-                     and --db add to it
-  --can NUMBER=BUS   Put CAN channel NUMBER on a bus; may be given several times
-                     (default: 1=virtual)
-  --channel NUMBER   Channel of the generator block and of what --device and --db
-                     add (default: the configuration's, else the lowest)
-  --device NODE[:FILE]
-                     Put a simulated CANopen device on that bus, an I/O device or
-                     the one that an EDS or DCF describes; may be given several times
-  --db FILE.dbc      CAN database of that channel
-  --variant NAME     Kind of host to be, halvard or tesmond (default: halvard)
-  --module PATH      Module to load (default: Ostrel.hpi beside this program)
-
-Buses:
 )";
 
 constexpr char kNmtFooter[] = R"(
@@ -136,7 +121,7 @@ void Sender::AddError(std::string text) {
 class NmtCommand final : public Command {
  public:
   void AddOptions(CLI::App& app) override;
-  std::string Help() const override { return kNmtHelp + NBuses::DescribeBusKinds() + kNmtFooter; }
+  std::string Help() const override { return kNmtHelp + DescribeHostOptions() + kNmtFooter; }
   HostTexts* Texts() override { return &mHost; }
   ExitStatus Run() const override { return Sender(Check()).Run(); }
 

@@ -8,6 +8,7 @@
 #include "host/buses/bus_factory.h"
 #include "host/buses/candump.h"
 #include "host/buses/socketcand_server.h"
+#include "host/configuration/document_objects.h"
 
 namespace NBench {
 namespace {
@@ -41,7 +42,6 @@ class Service final {
 
  private:
   std::vector<NBuses::ServedBus> MakeBuses();
-  void MakeDevices();
   void Print(const std::string& line);
 
   const ServeOptions& mOptions;
@@ -55,7 +55,7 @@ class Service final {
 Service::Service(const ServeOptions& options)
     : mOptions(options),
       mServer(mLoop, MakeBuses(), {[this](const std::string& line) { Print(line); }, Complain}) {
-  MakeDevices();
+  mDevices = NConfiguration::MakeDevices(mLoop, mFactory, options.host, ProgramFolder());
 }
 
 std::vector<NBuses::ServedBus> Service::MakeBuses() {
@@ -69,16 +69,6 @@ std::vector<NBuses::ServedBus> Service::MakeBuses() {
   }
   DropAliasesThatAreNames(buses);
   return buses;
-}
-
-void Service::MakeDevices() {
-  for (const DeviceOption& option : mOptions.host.devices) {
-    const auto channel =
-        std::find_if(mOptions.host.channels.begin(), mOptions.host.channels.end(),
-                     [&](const ChannelOption& other) { return other.number == option.channel; });
-    mDevices.push_back(
-        NDevices::AttachDevice(mLoop, mFactory.Make(channel->bus), option.device, ProgramFolder()));
-  }
 }
 
 ExitStatus Service::Run() {

@@ -28,21 +28,6 @@ An error stops a script, and its line is named; at a terminal the shell goes on.
 ends what a command waits for, or drops the line; Ctrl+D leaves.
 
 Options:
-  --config FILE.json Take channels, devices, databases and generators from a
-                     configuration; options replace what it says, --device and
-                     --db add to it
-  --can NUMBER=BUS   Put CAN channel NUMBER on a bus; may be given several times
-                     (default: 1=virtual)
-  --channel NUMBER   Channel of the first generator and of what --device and --db
-                     add (default: the configuration's, else the lowest)
-  --device NODE[:FILE]
-                     Put a simulated CANopen device on that bus, an I/O device or
-                     the one that an EDS or DCF describes; may be given several times
-  --db FILE.dbc      CAN database of the network
-  --variant NAME     Kind of host to be, halvard or tesmond (default: halvard)
-  --module PATH      Module to load (default: Ostrel.hpi beside this program)
-
-Buses:
 )";
 
 constexpr char kShellFooter[] = R"(
@@ -210,7 +195,7 @@ void Runner::Tell(const std::string& text) {
 class ShellCommand final : public Command {
  public:
   void AddOptions(CLI::App& app) override;
-  std::string Help() const override { return kShellHelp + NBuses::DescribeBusKinds() + kShellFooter; }
+  std::string Help() const override { return kShellHelp + DescribeHostOptions() + kShellFooter; }
   HostTexts* Texts() override { return &mHost; }
   ExitStatus Run() const override;
 
