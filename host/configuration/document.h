@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <map>
 #include <optional>
 #include <string>
 #include <utility>
@@ -44,6 +45,7 @@ struct Window {
   std::int32_t width = 0, height = 0;
   bool open = true;
   bool maximized = false;
+  bool minimized = false;
 
   bool operator==(const Window&) const = default;
 };
@@ -61,6 +63,12 @@ struct Block {
   bool operator==(const Block&) const = default;
 };
 
+/// Windows of the host's own, inside its main one.
+inline constexpr const char* kSetupWindow = "setup";
+inline constexpr const char* kTraceWindow = "trace";
+inline constexpr const char* kMessagesWindow = "messages";
+inline constexpr const char* kInnerWindows[] = {kSetupWindow, kTraceWindow, kMessagesWindow};
+
 /// Paths, those of logs that are replayed included, are relative to the folder of the file, or absolute. Text
 /// is UTF-8.
 struct Document {
@@ -70,7 +78,9 @@ struct Document {
   std::vector<Channel> channels{};  ///< numbers differ
   std::vector<Device> devices{};    ///< on channels of the list; node-IDs on one channel differ
   std::vector<Block> blocks{};
-  std::optional<Window> window{};  ///< of the host itself
+  std::optional<Window> window{};           ///< of the host itself
+  std::map<std::string, Window> windows{};  ///< of kInnerWindows
+  bool largeIcons = false;                  ///< on the host's tool bar
 
   /// The first block of a kind; null: there is none.
   const Block* FindBlock(const std::string& progId) const;

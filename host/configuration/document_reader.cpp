@@ -137,8 +137,9 @@ void ReadDevice(const JsonPlace& place, Faults& faults, Document& document) {
 
 // ---- blocks and windows
 
-void ReadWindow(Fields& owner, Faults& faults, std::optional<Window>& window) {
-  const JsonPlace place = owner.TakeObject("window");
+void ReadWindow(Fields& owner, Faults& faults, std::optional<Window>& window,
+                std::string_view key = "window") {
+  const JsonPlace place = owner.TakeObject(key);
   if (!place.value) return;
   Fields fields(place, faults);
   window.emplace();
@@ -148,6 +149,19 @@ void ReadWindow(Fields& owner, Faults& faults, std::optional<Window>& window) {
   fields.ReadNumber("height", 0, kFarthestPixel, window->height);
   fields.ReadFlag("open", window->open, Need::Optional);
   fields.ReadFlag("maximized", window->maximized, Need::Optional);
+  fields.ReadFlag("minimized", window->minimized, Need::Optional);
+  fields.Finish();
+}
+
+void ReadInnerWindows(Fields& owner, Faults& faults, std::map<std::string, Window>& windows) {
+  const JsonPlace place = owner.TakeObject("windows");
+  if (!place.value) return;
+  Fields fields(place, faults);
+  for (const char* const name : kInnerWindows) {
+    std::optional<Window> window;
+    ReadWindow(fields, faults, window, name);
+    if (window) windows[name] = *window;
+  }
   fields.Finish();
 }
 
@@ -229,6 +243,8 @@ Document ReadDocument(const JsonValue& root, Faults& faults) {
   for (const JsonPlace& place : fields.TakeList("devices")) ReadDevice(place, faults, document);
   for (const JsonPlace& place : fields.TakeList("blocks")) ReadBlock(place, faults, document.blocks);
   ReadWindow(fields, faults, document.window);
+  ReadInnerWindows(fields, faults, document.windows);
+  fields.ReadFlag("largeIcons", document.largeIcons, Need::Optional);
   fields.Finish();
   return document;
 }

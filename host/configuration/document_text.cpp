@@ -23,8 +23,10 @@ std::string Hex(std::uint32_t number, int digits) {
 }
 
 Json WindowJson(const Window& window) {
-  return {{"x", window.x},           {"y", window.y},       {"width", window.width},
-          {"height", window.height}, {"open", window.open}, {"maximized", window.maximized}};
+  Json json = {{"x", window.x},           {"y", window.y},       {"width", window.width},
+               {"height", window.height}, {"open", window.open}, {"maximized", window.maximized}};
+  if (window.minimized) json["minimized"] = true;
+  return json;
 }
 
 Json ChannelJson(const Channel& channel) {
@@ -97,6 +99,8 @@ std::string DocumentText(const Document& document) {
                {"devices", ListJson(document.devices, DeviceJson)},
                {"blocks", ListJson(document.blocks, BlockJson)}};
   if (document.window) json["window"] = WindowJson(*document.window);
+  for (const auto& [name, window] : document.windows) json["windows"][name] = WindowJson(window);
+  if (document.largeIcons) json["largeIcons"] = true;
   try {
     return json.dump(2) + '\n';
   } catch (const Json::type_error&) {

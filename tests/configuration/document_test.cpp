@@ -29,6 +29,9 @@ Document FullDocument() {
                       Window{-5, 20, 640, 480, false, true}},
                      {"HarlowPlugIn.CANopenScanner"}};
   document.window = Window{0, 0, 1024, 768};
+  document.windows = {{kSetupWindow, Window{1, 2, 3, 4}},
+                      {kTraceWindow, Window{5, 6, 7, 8, true, true, true}}};
+  document.largeIcons = true;
   return document;
 }
 

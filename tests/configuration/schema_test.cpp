@@ -89,11 +89,13 @@ TEST(Schema, KnowsTheKeysThatTheReaderKnows) {
       {"/devices/1/faults", "/properties/devices/items/properties/faults/properties"},
       {"/blocks/0", "/properties/blocks/items/properties"},
       {"/blocks/0/window", "/$defs/window/properties"},
+      {"/windows", "/properties/windows/properties"},
   };
   const Schema schema;
   for (const auto& [place, properties] : objects) {
     Json document = Json::parse(Read("examples/sdo-transfers.json"));
     document["blocks"][0]["window"] = {{"x", 0}, {"y", 0}, {"width", 1}, {"height", 1}};
+    document["windows"] = {{"trace", document["blocks"][0]["window"]}};
     document.at(Json::json_pointer(place))["?"] = 1;
     EXPECT_FALSE(schema.Holds(document));
     const ParsedDocument parsed = ParseDocument(document.dump());
@@ -111,6 +113,8 @@ TEST(Schema, HoldsForTheExampleAndWhateverIsWritten) {
   EXPECT_EQ(DocumentText(parsed.document), example);  // it is written as the program would
   parsed.document.window = Window{-3, 0, 800, 600, false, true};
   parsed.document.blocks[0].window = parsed.document.window;
+  parsed.document.windows = {{kMessagesWindow, {0, 0, 9, 9, true, false, true}}};
+  parsed.document.largeIcons = true;
   parsed.document.devices[1].device = NDevices::ParseDeviceWord(
       "7:it.dcf,late=300,silent,abort=0x06020000,abort-at=7,bad-crc,vary-block-size,wrong-toggle,drop-"
       "segment");
