@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "com/com_ptr.h"
@@ -24,8 +25,12 @@ struct DatabaseNode {
 /// Puts NMT commands on the CAN channel of a generator block.
 class ZNMTTransmitter {
  public:
-  /// Null: none.
-  void Bind(NIg::ZCANopenIGNode* block) { mBlock = block; }
+  /// Null: none. `network` is the name of the block's network, as the user knows it.
+  void Bind(NIg::ZCANopenIGNode* block, std::wstring network = {}) {
+    mBlock = block;
+    mNetwork = std::move(network);
+  }
+  const std::wstring& Network() const { return mNetwork; }
   /// False: there is no block, or no request. True does not say that the command was sent: a block outside a
   /// measurement sends nothing.
   bool SendCommand(const NmtRequest* request);
@@ -35,6 +40,7 @@ class ZNMTTransmitter {
 
  private:
   NCom::ComPtr<NIg::ZCANopenIGNode> mBlock;
+  std::wstring mNetwork;
 };
 
 }  // namespace NNmt

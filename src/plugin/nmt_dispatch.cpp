@@ -114,7 +114,7 @@ void DispatchNmt(NmtKind kind, std::uint8_t network, std::uint8_t target) {
   const std::vector<ZCONetworkEntry> entries = NetworkEntries();
   if (network == kNoNetwork || network > entries.size()) return TellThatABlockIsMissing(network);
   NNmt::ZNMTTransmitter transmitter;
-  transmitter.Bind(entries[network - 1u].block.Get());
+  transmitter.Bind(entries[network - 1u].block.Get(), entries[network - 1u].name);
   const std::uint8_t command = CommandSpecifier(kind);
   if (target > kLastNode) {
     NNmt::AskForNodes(transmitter, command);

@@ -52,6 +52,7 @@ class NmtWindowTest : public testing::Test {
 TEST_F(NmtWindowTest, ListsTheNodesOfTheDatabaseFirst) {
   WithDialog(L"CANopen.Stop.Nodes.1", [&](HWND dialog, HWND list) {
     EXPECT_EQ(TextOf(dialog), L"Send CANopen NMT command");
+    EXPECT_NE(FindWindowExW(dialog, nullptr, WC_STATICW, L"CAN 1"), nullptr) << "the network";
     ASSERT_EQ(ListView_GetItemCount(list), 127);
     const wchar_t* const others[] = {L"1|(not defined in database)", L"2|(not defined in database)",
                                      L"4|(not defined in database)", L"6|(not defined in database)"};

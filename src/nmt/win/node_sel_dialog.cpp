@@ -1,6 +1,7 @@
 #include "nmt/win/node_sel_dialog.h"
 
 #include "canopen/vocabulary.h"
+#include "common/win/dpi.h"
 #include "common/win/help.h"
 #include "common/win/list_view.h"
 #include "common/win/resources.h"
@@ -53,6 +54,7 @@ bool ZNMTNodeSelDlg::OnInit() {
   ListView_SetExtendedListViewStyle(list, LVS_EX_FULLROWSELECT | LVS_EX_GRIDLINES);
   NCommon::AddColumn(list, NResources::LoadText(IDS_NMT_COL_NODE_ID), 90);
   NCommon::AddColumn(list, NResources::LoadText(IDS_NMT_COL_NODE_NAME), 300);
+  ShowNetwork();
   FillList();
   for (const auto& button : kButtons) {
     if (button.command == mDefaultCommand) {
@@ -62,6 +64,30 @@ bool ZNMTNodeSelDlg::OnInit() {
   NCommon::SelectRow(list, 0);
   SetFocus(list);
   return false;
+}
+
+// The name stands behind its label, which is the first control, as far as the list below it goes.
+void ZNMTNodeSelDlg::ShowNetwork() {
+  const HWND label = GetWindow(Window(), GW_CHILD);
+  const auto font = SendMessageW(label, WM_GETFONT, 0, 0);
+  const HDC screen = GetDC(label);
+  const HGDIOBJ before = SelectObject(screen, reinterpret_cast<HFONT>(font));
+  wchar_t text[64] = {};
+  GetWindowTextW(label, text, static_cast<int>(std::size(text)));
+  RECT written = {};
+  DrawTextW(screen, text, -1, &written, DT_CALCRECT | DT_SINGLELINE);
+  SelectObject(screen, before);
+  ReleaseDC(label, screen);
+  RECT area = {};
+  GetWindowRect(label, &area);
+  MapWindowPoints(nullptr, Window(), reinterpret_cast<POINT*>(&area), 2);
+  const int used = written.right + NCommon::Scaled(6, Window());
+  SetWindowPos(label, nullptr, 0, 0, used, area.bottom - area.top, SWP_NOMOVE | SWP_NOZORDER);
+  const HWND name = CreateWindowExW(0, WC_STATICW, mTransmitter.Network().c_str(),
+                                    WS_CHILD | WS_VISIBLE | SS_NOPREFIX | SS_ENDELLIPSIS, area.left + used,
+                                    area.top, area.right - area.left - used, area.bottom - area.top, Window(),
+                                    nullptr, nullptr, nullptr);
+  SendMessageW(name, WM_SETFONT, static_cast<WPARAM>(font), FALSE);
 }
 
 void ZNMTNodeSelDlg::FillList() {

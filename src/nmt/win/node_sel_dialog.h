@@ -23,6 +23,7 @@ class ZNMTNodeSelDlg final : private NCommon::ZResizeableDialog {
   bool OnCommand(int id, int notification) override;
   void OnTimer(UINT_PTR id) override;
 
+  void ShowNetwork();
   void FillList();
   void SendToSelected(std::uint8_t command);
   void SendNext();
