@@ -57,6 +57,14 @@ std::optional<CanError> ReadError(const std::vector<std::string_view>& words) {
   return error;
 }
 
+// Hears a connection while it is prepared.
+class Nobody final : public NRuntime::CanAdapterEvents {
+  void OnReceived(const NSdk::CanFrame&, Time) override {}
+  void OnSent(const NSdk::CanFrame&, Time) override {}
+  void OnTrouble(const std::string&) override {}
+};
+Nobody gNobody;
+
 }  // namespace
 
 class SocketcandClient::Connection : public std::enable_shared_from_this<Connection> {
@@ -68,9 +76,13 @@ class SocketcandClient::Connection : public std::enable_shared_from_this<Connect
         mInterface(std::move(interfaceName)),
         mEvents(&events),
         mSocket(loop.Executor()),
+        mResolver(loop.Executor()),
         mAlarm(loop.MakeAlarm([this] { OnAlarm(); })) {}
 
   void ConnectAndWait();
+  void Prepare(Prepared done);
+  bool IsPrepared() const { return mIsHeld; }
+  void Begin(NRuntime::CanAdapterEvents& events);
   void Close();
   void Send(const NSdk::CanFrame& frame);
 
@@ -88,7 +100,9 @@ class SocketcandClient::Connection : public std::enable_shared_from_this<Connect
 
   void ConnectWithin(std::chrono::steady_clock::time_point end);
   void GreetWithin(std::chrono::steady_clock::time_point end);
-  void Reconnect();
+  void ReadLater();
+  void ConnectLater();
+  void TellPrepared(const std::string& fault);
   void StartTalking();
   void Read();
   void TakeMessages();
@@ -109,7 +123,10 @@ class SocketcandClient::Connection : public std::enable_shared_from_this<Connect
   const std::string mInterface;
   NRuntime::CanAdapterEvents* mEvents;  // null: closed
   tcp::socket mSocket;
+  tcp::resolver mResolver;
   tcp::resolver::results_type mEndpoints;
+  Prepared mPrepared;    // empty: nobody waits for the first connection
+  bool mIsHeld = false;  // it stands, and what comes waits for Begin()
   std::unique_ptr<NRuntime::Alarm> mAlarm;
   Stage mStage = Stage::Connecting;
   std::uint64_t mAttempt = 0;  // tells what comes from an older socket
@@ -132,17 +149,45 @@ class SocketcandClient::Connection : public std::enable_shared_from_this<Connect
 void SocketcandClient::Connection::ConnectAndWait() {
   const auto end = std::chrono::steady_clock::now() + kTimeToConnect;
   std::error_code error;
-  tcp::resolver resolver(mLoop.Executor());
-  mEndpoints = resolver.resolve(mServer.host, std::to_string(mServer.port), error);
+  mEndpoints = mResolver.resolve(mServer.host, std::to_string(mServer.port), error);
   if (error) Refuse("the name cannot be resolved: " + error.message());
   ConnectWithin(end);
   GreetWithin(end);
-  // What came behind the greeting waits until the caller is ready.
+  ReadLater();
+}
+
+// What came behind the greeting waits until the caller is ready.
+void SocketcandClient::Connection::ReadLater() {
   mLoop.Post([self = shared_from_this()] {
     if (!self->mEvents) return;
     self->TakeMessages();
     self->Read();
   });
+}
+
+// While the name is resolved the system cannot be stopped: `done` stays with it.
+void SocketcandClient::Connection::Prepare(Prepared done) {
+  mPrepared = done;
+  mAlarm->SetFor(mLoop.Now() + kTimeToConnect);
+  mResolver.async_resolve(mServer.host, std::to_string(mServer.port),
+                          [self = shared_from_this(), attempt = mAttempt, done](const std::error_code& error,
+                                                                                const auto& endpoints) {
+                            if (!self->mEvents || attempt != self->mAttempt) return;
+                            if (error) return self->Lose("the name cannot be resolved: " + error.message());
+                            self->mEndpoints = endpoints;
+                            self->ConnectLater();
+                          });
+}
+
+void SocketcandClient::Connection::TellPrepared(const std::string& fault) {
+  const auto words = fault.empty() ? fault : Name() + ": " + fault;
+  mLoop.Post([done = std::exchange(mPrepared, nullptr), words] { done(words); });
+}
+
+void SocketcandClient::Connection::Begin(NRuntime::CanAdapterEvents& events) {
+  mEvents = &events;
+  mIsHeld = false;
+  ReadLater();
 }
 
 void SocketcandClient::Connection::ConnectWithin(std::chrono::steady_clock::time_point end) {
@@ -195,6 +240,8 @@ void SocketcandClient::Connection::GreetWithin(std::chrono::steady_clock::time_p
 
 void SocketcandClient::Connection::Close() {
   mEvents = nullptr;
+  mPrepared = nullptr;
+  mResolver.cancel();
   mAlarm.reset();
   std::error_code ignored;
   mSocket.close(ignored);
@@ -215,18 +262,19 @@ void SocketcandClient::Connection::Read() {
   mSocket.async_read_some(asio::buffer(mBuffer), [self = shared_from_this(), attempt = mAttempt](
                                                      const std::error_code& error, std::size_t size) {
     if (!self->mEvents || attempt != self->mAttempt) return;
-    if (error) return self->Lose(error.message());
+    if (error)
+      return self->Lose(error == asio::error::eof ? "the server closes the connection" : error.message());
     self->mLastHeard = self->mLoop.Now();
     self->mIsAsking = false;
     self->mStream.Add({self->mBuffer.data(), size});
     self->TakeMessages();
-    if (self->mEvents && attempt == self->mAttempt) self->Read();
+    if (self->mEvents && attempt == self->mAttempt && !self->mIsHeld) self->Read();
   });
 }
 
 void SocketcandClient::Connection::TakeMessages() {
   const std::uint64_t attempt = mAttempt;
-  while (mEvents && attempt == mAttempt) {
+  while (mEvents && attempt == mAttempt && !mIsHeld) {
     const auto words = mStream.Next();
     if (!words) break;
     OnMessage(*words);
@@ -280,6 +328,10 @@ void SocketcandClient::Connection::OnRunning() {
   mPause = kFirstPause;
   mIsAsking = mAnswersEcho = false;
   mAlarm->SetFor(mLoop.Now() + kSilence);
+  if (mPrepared) {
+    mIsHeld = true;
+    return TellPrepared({});
+  }
   if (mLostAt == Time::zero()) return;
   const std::string missed = mGivenUp == 0 ? "" : "; " + Frames(mGivenUp) + " could not be sent";
   mEvents->OnTrouble(Name() + ": connected again after " + Seconds(mLoop.Now() - mLostAt) + missed +
@@ -363,6 +415,10 @@ void SocketcandClient::Connection::Lose(const std::string& reason) {
   std::error_code ignored;
   mSocket.close(ignored);
   mStage = Stage::Lost;
+  if (mPrepared) {
+    mAlarm->Cancel();
+    return TellPrepared(reason);
+  }
   mGivenUp += mPending.size();
   mPending.clear();
   mAlarm->SetFor(mLoop.Now() + mPause);
@@ -374,8 +430,13 @@ void SocketcandClient::Connection::Lose(const std::string& reason) {
 
 void SocketcandClient::Connection::OnAlarm() {
   const auto kept = shared_from_this();
-  if (mStage == Stage::Lost) return Reconnect();
-  if (mStage != Stage::Running) return Lose("no answer");
+  if (mStage == Stage::Lost) {
+    mStage = Stage::Connecting;
+    mAlarm->SetFor(mLoop.Now() + kTimeToConnect);
+    return ConnectLater();
+  }
+  if (mStage == Stage::Connecting) return Lose("no connection: the time is over");
+  if (mStage != Stage::Running) return Lose("no answer; is it a socketcand server?");
   if (mLoop.Now() - mLastHeard >= kSilence) {
     if (mIsAsking && mAnswersEcho) return Lose("no answer");
     mIsAsking = true;
@@ -384,14 +445,12 @@ void SocketcandClient::Connection::OnAlarm() {
   mAlarm->SetFor(mLoop.Now() + kSilence);
 }
 
-void SocketcandClient::Connection::Reconnect() {
-  mStage = Stage::Connecting;
-  mAlarm->SetFor(mLoop.Now() + kTimeToConnect);
+void SocketcandClient::Connection::ConnectLater() {
   asio::async_connect(
       mSocket, mEndpoints,
       [self = shared_from_this(), attempt = mAttempt](const std::error_code& error, const tcp::endpoint&) {
         if (!self->mEvents || attempt != self->mAttempt) return;
-        if (error) return self->Lose(error.message());
+        if (error) return self->Lose("no connection: " + error.message());
         self->StartTalking();
         self->Read();
       });
@@ -402,7 +461,14 @@ SocketcandClient::SocketcandClient(NRuntime::IoLoop& loop, HostAndPort server, s
 
 SocketcandClient::~SocketcandClient() { Close(); }
 
+void SocketcandClient::Prepare(Prepared done) {
+  Close();
+  mConnection = std::make_shared<Connection>(mLoop, mServer, mInterface, gNobody);
+  mConnection->Prepare(std::move(done));
+}
+
 void SocketcandClient::Open(NRuntime::CanAdapterEvents& events) {
+  if (mConnection && mConnection->IsPrepared()) return mConnection->Begin(events);
   Close();
   const auto connection = std::make_shared<Connection>(mLoop, mServer, mInterface, events);
   try {

@@ -27,6 +27,7 @@ class DeviceOnBus final : private NRuntime::CanAdapterEvents, private FrameSink 
   /// Leaves the bus.
   void PowerOff();
 
+  NRuntime::CanAdapter& Adapter() { return *mAdapter; }
   const Device& Get() const { return mDevice; }
   Misbehaviour& Faults() { return mDevice.Faults(); }
 

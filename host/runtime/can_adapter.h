@@ -2,6 +2,7 @@
 // The seam between a measurement and whatever carries its frames: a bus inside this program, an interface of
 // the system, a network connection, a recorded log. Everything happens on the loop's thread.
 
+#include <functional>
 #include <string>
 
 #include "host/runtime/loop.h"
@@ -27,7 +28,13 @@ class CanAdapterEvents {
 /// One channel's way to a bus.
 class CanAdapter {
  public:
+  /// Gets what is wrong, in words for the user; empty: nothing.
+  using Prepared = std::function<void(const std::string& fault)>;
+
   virtual ~CanAdapter() = default;
+  /// Does what of Open() takes long, without holding up the loop. `done` is called once, from inside the call
+  /// or later, and possibly after Close(); it goes when nothing of the adapter waits any more.
+  virtual void Prepare(Prepared done) { done({}); }
   /// Joins the bus. Throws std::runtime_error in words for the user; the adapter is then closed.
   virtual void Open(CanAdapterEvents& events) = 0;
   /// Leaves it; no event comes afterwards. Nothing happens when it is closed.

@@ -6,6 +6,8 @@
 namespace NRuntime {
 namespace {
 
+constexpr std::size_t kMostAtOnce = 200;  // frames, in one task
+
 struct RunningBlock {
   ComPtr<NSdk::IRTClient> client;
   ComPtr<NSdk::ICANEvents> canEvents;  // empty: the block does not want frames
@@ -163,7 +165,7 @@ void Measurement::Stop() {
   const std::shared_ptr<Run> run = mRun;
   StopBlocks();
   run->timers.Close();
-  Deliver();
+  Deliver(kAll);
   CloseChannels();
   run->owner = nullptr;
   run->runTime.Reset();  // it holds the run in turn
@@ -213,24 +215,29 @@ void Measurement::DeliverSoon() {
     const auto kept = run.lock();
     if (!kept || !kept->owner) return;
     kept->deliveryPosted = false;
-    Deliver();
+    Deliver(kMostAtOnce);
   });
 }
 
 // Frames that blocks send meanwhile wait for the next delivery. A block may show a message box, in which the
 // loop goes on: frames that come there are delivered behind those that are waiting here, and this delivery
-// then finds its own delivered.
-void Measurement::Deliver() {
+// then finds its own delivered. After `most` frames whatever else the loop has to do gets its turn.
+void Measurement::Deliver(std::size_t most) {
   const std::shared_ptr<Run> run = mRun;
   if (!run) return;
   auto& frames = run->delivering;
+  if (run->delivered > frames.size() / 2) {
+    frames.erase(frames.begin(), frames.begin() + static_cast<std::ptrdiff_t>(run->delivered));
+    run->delivered = 0;
+  }
   if (frames.empty()) {
     frames.swap(run->waiting);
   } else {
     frames.insert(frames.end(), run->waiting.begin(), run->waiting.end());
     run->waiting.clear();
   }
-  while (run->delivered < frames.size()) {
+  for (std::size_t count = 0; run->delivered < frames.size(); ++count) {
+    if (count == most) return DeliverSoon();
     const SeenFrame seen = frames[run->delivered++];
     mObserver.OnFrame(seen);
     DeliverToBlocks(*run, seen);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <limits>
 #include <memory>
 #include <string>
 #include <vector>
@@ -64,13 +65,15 @@ class Measurement {
   class RunTime;
   struct Run;
 
+  static constexpr std::size_t kAll = std::numeric_limits<std::size_t>::max();
+
   void StartBlocks(const std::vector<ComPtr<IUnknown>>& blocks);
   void StopBlocks();
   void CloseChannels();
   void Seen(std::uint32_t channel, const NSdk::CanFrame& frame, Time time, NSdk::CanDirection direction);
   void EndWhenAllHaveEnded();
   void DeliverSoon();
-  void Deliver();
+  void Deliver(std::size_t most);
   void DeliverToBlocks(Run& run, const SeenFrame& seen);
 
   Loop& mLoop;

@@ -67,6 +67,19 @@ class Socketcand : public NTest::RealTime {
   std::string Word(const std::string& address, const std::string& interfaceName) const {
     return "socketcand:" + address + "/" + interfaceName;
   }
+
+  // What is wrong with it.
+  std::string Prepare(NRuntime::CanAdapter& adapter) {
+    std::string fault = "nothing was told";
+    bool told = false;
+    adapter.Prepare([&](const std::string& text) {
+      fault = text;
+      told = true;
+    });
+    EXPECT_FALSE(told) << "the caller does not wait";
+    RunUntil([&] { return told; });
+    return fault;
+  }
 };
 
 TEST_F(Socketcand, ClientsHearEachOtherOnTheirBusAlone) {
@@ -75,7 +88,7 @@ TEST_F(Socketcand, ClientsHearEachOtherOnTheirBusAlone) {
              other = factory.Make(Word(server.address, "virtual:a")),
              elsewhere = factory.Make(Word(server.address, "can2"));
   sender->Open(one);
-  other->Open(two);
+  EXPECT_EQ(Prepare(*other), "") << "it gets what comes from now on, however late it is opened";
   elsewhere->Open(three);
   std::vector<std::string> expected;
   const NSdk::CanFrame extended = {0x1ABCDEF, {1, 2, 3, 4, 5, 6, 7, 8}, 8 | NSdk::kFrameExtended};
@@ -89,6 +102,8 @@ TEST_F(Socketcand, ClientsHearEachOtherOnTheirBusAlone) {
     expected.push_back(NBuses::FrameText(clean));
   }
   sender->Send({0x705, {}, 1 | NSdk::kFrameRemote});
+  EXPECT_TRUE(RunUntil([&] { return one.sent.size() == expected.size(); }));
+  other->Open(two);
   EXPECT_TRUE(RunUntil([&] { return two.received.size() == expected.size(); }));
   other->Send({0x7FF, {}, 0});
   EXPECT_TRUE(RunUntil([&] { return !one.received.empty(); }));
@@ -107,6 +122,7 @@ TEST_F(Socketcand, WhatCannotBeOpenedIsNamed) {
   ServerThread server;
   const auto unknown = factory.Make(Word(server.address, "can7"));
   EXPECT_THAT(Refusal([&] { unknown->Open(one); }), HasSubstr("interface can7: could not open bus"));
+  EXPECT_THAT(Prepare(*unknown), HasSubstr("interface can7: could not open bus"));
   std::uint16_t freePort = 0;
   {
     ServerThread past;
@@ -114,6 +130,7 @@ TEST_F(Socketcand, WhatCannotBeOpenedIsNamed) {
   }
   const auto nobody = factory.Make(Word("127.0.0.1:" + std::to_string(freePort), "can1"));
   EXPECT_THAT(Refusal([&] { nobody->Open(one); }), HasSubstr("no connection"));
+  EXPECT_THAT(Prepare(*nobody), HasSubstr("no connection"));
   EXPECT_THAT(Refusal([&] { ServerThread again(server.Port()); }),
               HasSubstr("cannot listen on " + server.address));
   for (const char* address :
