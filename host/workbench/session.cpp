@@ -1,44 +1,39 @@
 #include "host/workbench/session.h"
 
-#include <algorithm>
-#include <stdexcept>
+#include <utility>
+
+#include "host/configuration/document_objects.h"
 
 namespace NWorkbench {
-namespace {
-
-std::vector<NRuntime::CanChannel> MakeChannels(NBuses::BusFactory& buses,
-                                               const NConfiguration::Document& document) {
-  std::vector<NRuntime::CanChannel> channels;
-  for (const auto& channel : document.channels) channels.push_back({channel.number, buses.Make(channel.bus)});
-  return channels;
-}
-
-std::vector<std::unique_ptr<NDevices::DeviceOnBus>> MakeDevices(NRuntime::Loop& loop,
-                                                                NBuses::BusFactory& buses,
-                                                                const NConfiguration::Document& document,
-                                                                const std::filesystem::path& libraries) {
-  std::vector<std::unique_ptr<NDevices::DeviceOnBus>> devices;
-  for (const auto& device : document.devices) {
-    const auto channel =
-        std::find_if(document.channels.begin(), document.channels.end(),
-                     [&](const NConfiguration::Channel& each) { return each.number == device.channel; });
-    if (channel == document.channels.end()) {
-      throw std::runtime_error("device " + std::to_string(device.device.nodeId) +
-                               ": there is no CAN channel " + std::to_string(device.channel));
-    }
-    devices.push_back(NDevices::AttachDevice(loop, buses.Make(channel->bus), device.device, libraries));
-  }
-  return devices;
-}
-
-}  // namespace
 
 Session::Session(std::unique_ptr<NRuntime::IoLoop> loop, const NConfiguration::Document& document,
                  const std::filesystem::path& libraries, NRuntime::MeasurementObserver& observer)
     : mLoop(std::move(loop)),
       mBuses(*mLoop),
-      mDevices(MakeDevices(*mLoop, mBuses, document, libraries)),
-      mMeasurement(*mLoop, MakeChannels(mBuses, document), observer) {}
+      mDevices(NConfiguration::MakeDevices(*mLoop, mBuses, document, libraries)),
+      mMeasurement(*mLoop, MakeChannels(document), observer) {
+  for (const auto& device : mDevices) mAdapters.push_back(&device->Adapter());
+}
+
+std::vector<NRuntime::CanChannel> Session::MakeChannels(const NConfiguration::Document& document) {
+  auto channels = NConfiguration::MakeChannels(mBuses, document.channels);
+  for (const auto& channel : channels) mAdapters.push_back(channel.adapter.get());
+  return channels;
+}
+
+void Session::Prepare(std::function<void(const std::string& fault)> done) {
+  mDone = std::move(done);
+  mAwaited = mAdapters.size() + 1;  // this call itself
+  for (NRuntime::CanAdapter* const adapter : mAdapters) {
+    adapter->Prepare([this, search = mSearches](const std::string& fault) { OnPrepared(fault); });
+  }
+  OnPrepared({});
+}
+
+void Session::OnPrepared(const std::string& fault) {
+  if (!mDone || (--mAwaited != 0 && fault.empty())) return;
+  std::exchange(mDone, nullptr)(fault);
+}
 
 void Session::Start(const std::vector<NRuntime::ComPtr<IUnknown>>& blocks) {
   try {
@@ -51,8 +46,10 @@ void Session::Start(const std::vector<NRuntime::ComPtr<IUnknown>>& blocks) {
 }
 
 void Session::Stop() {
+  mDone = nullptr;
   mMeasurement.Stop();
   for (const auto& device : mDevices) device->PowerOff();
+  for (NRuntime::CanAdapter* const adapter : mAdapters) adapter->Close();
 }
 
 }  // namespace NWorkbench

@@ -55,12 +55,11 @@ Workbench::~Workbench() { CloseHost(); }
 void Workbench::New(const NConfiguration::Document& settings) {
   CloseHost();
   mFile.clear();
-  mDocument = {};
-  mDocument.variant = settings.variant;
-  mDocument.language = settings.language;
-  mDocument.numberBase = settings.numberBase;
-  mDocument.window = settings.window;
-  mDocument.channels = {{1, "virtual,bitrate=125000"}};
+  NConfiguration::Document document = settings;
+  document.channels = {{1, "virtual,bitrate=125000"}};
+  document.devices.clear();
+  document.blocks.clear();
+  mDocument = std::move(document);
   OpenHost({});
   mSaved = Capture();
 }
@@ -126,20 +125,21 @@ void Workbench::SetNumberBase(std::uint32_t base) {
   mEvents.OnSetupChanged();
 }
 
+void Workbench::SetLargeIcons(bool large) {
+  mDocument.largeIcons = large;
+  mEvents.OnSetupChanged();
+}
+
+void Workbench::SetWindows(const NConfiguration::Window& own,
+                           std::map<std::string, NConfiguration::Window> inner) {
+  mDocument.window = own;
+  mDocument.windows = std::move(inner);
+}
+
 NConfiguration::Document Workbench::ForUse() const {
   NConfiguration::Document document = mDocument;
   const auto folder = mFile.empty() ? std::filesystem::current_path() : NConfiguration::FolderOf(mFile);
   return NConfiguration::Resolved(std::move(document), folder);
-}
-
-NRuntime::ConfigurationData Workbench::HostConfiguration() const {
-  NRuntime::ConfigurationData data;
-  data.path = mFile;
-  for (const auto& channel : ForUse().channels) {
-    data.canChannels.push_back(channel.number);
-    for (const auto& database : channel.databases) data.databases.push_back({database, channel.number});
-  }
-  return data;
 }
 
 // ---- module and blocks
@@ -300,15 +300,26 @@ void Workbench::Start() {
   mLoads.clear();
   for (const auto& channel : document.channels) mLoads.emplace(channel.number, BusLoad(BitRateOf(channel)));
   NRuntime::MeasurementObserver& observer = *this;
-  mSession = std::make_unique<Session>(mOptions.makeLoop(), document, mOptions.libraries, observer);
+  try {
+    mSession = std::make_unique<Session>(mOptions.makeLoop(), document, mOptions.libraries, observer);
+  } catch (const std::runtime_error& error) {
+    return mEvents.OnCannotStart(error.what());
+  }
+  mSession->Prepare([this](const std::string& fault) { StartSession(fault); });
+  if (IsJoining()) mEvents.OnMeasurementChanged();
+}
+
+void Workbench::StartSession(const std::string& fault) {
   mIsChanging = true;
   mStopIsWanted = false;
   try {
+    if (!fault.empty()) throw std::runtime_error(fault);
     const auto blocks = mSetup->Blocks();
     mSession->Start(blocks);
-  } catch (...) {
+  } catch (const std::runtime_error& error) {
+    mSession->Stop();
     EndSession();
-    throw;
+    return mEvents.OnCannotStart(error.what());
   }
   mIsChanging = false;
   mEvents.OnMeasurementChanged();
@@ -331,7 +342,8 @@ void Workbench::EndSession() {
 }
 
 void Workbench::Tidy(const std::function<bool(NRuntime::IoLoop&)>& isInTask) {
-  std::erase_if(mEnded, [&](const auto& session) { return !isInTask(session->Loop()); });
+  std::erase_if(mEnded,
+                [&](const auto& session) { return !session->IsSearching() && !isInTask(session->Loop()); });
 }
 
 void Workbench::EndLoadSpan() {

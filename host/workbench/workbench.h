@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "host/configuration/document.h"
+#include "host/configuration/document_objects.h"
 #include "host/runtime/application.h"
 #include "host/runtime/module.h"
 #include "host/runtime/setup.h"
@@ -26,6 +26,8 @@ class WorkbenchEvents {
   /// This block is about to go: its window goes first.
   virtual void OnBlockLeaving(IUnknown& block) = 0;
   virtual void OnMeasurementChanged() = 0;
+  /// A measurement that was to start does not, in words.
+  virtual void OnCannotStart(const std::string& text) = 0;
   /// Something that the user should know but need not answer, in words.
   virtual void OnTrouble(const std::string& text) = 0;
 };
@@ -65,7 +67,8 @@ class Workbench final : private NRuntime::MeasurementObserver {
   /// Not while a measurement runs.
   void Change(const NConfiguration::Document& document);
   void SetNumberBase(std::uint32_t base);
-  void SetWindow(const NConfiguration::Window& window) { mDocument.window = window; }
+  void SetLargeIcons(bool large);
+  void SetWindows(const NConfiguration::Window& own, std::map<std::string, NConfiguration::Window> inner);
   /// As it is in the file, without blocks.
   const NConfiguration::Document& Settings() const { return mDocument; }
 
@@ -98,11 +101,13 @@ class Workbench final : private NRuntime::MeasurementObserver {
 
   // ---- measurement
 
-  /// Throws std::runtime_error in words for the user.
+  /// Joins the buses, while the loop goes on, and starts the measurement; or tells why not.
   void Start();
   /// While the measurement starts or stops, it is noted for later.
   void Stop();
+  /// From the joining of the buses on.
   bool IsMeasuring() const { return mSession != nullptr; }
+  bool IsJoining() const { return mSession && !mSession->IsRunning(); }
   NRuntime::Time Elapsed() const { return mSession ? mSession->Elapsed() : NRuntime::Time::zero(); }
   TraceStore& Trace() { return mTrace; }
   const std::map<std::uint32_t, BusLoad>& Loads() const { return mLoads; }
@@ -119,13 +124,14 @@ class Workbench final : private NRuntime::MeasurementObserver {
   void OpenHost(const std::vector<NConfiguration::Block>& blocks);
   void CloseHost();
   void LoadModule();
+  void StartSession(const std::string& fault);
   void EndSession();
   void AddStoredBlock(NConfiguration::Block block);
   void TakeNewBlocks();
   void SetChannel(IUnknown& block, std::uint32_t channel) const;
   std::vector<NConfiguration::Block> CaptureBlocks() const;
   NConfiguration::Document ForUse() const;
-  NRuntime::ConfigurationData HostConfiguration() const;
+  NRuntime::ConfigurationData HostConfiguration() const { return NConfiguration::DataOf(ForUse(), mFile); }
 
   WorkbenchOptions mOptions;
   WorkbenchEvents& mEvents;

@@ -113,6 +113,7 @@ TEST_F(BadInput, InModules) {
       {NTest::Quoted(FAULTY_MODULE_2), "has no class \"HarlowPlugIn.PlugIn\""},
       {NTest::Quoted(FAULTY_MODULE_3), "has no factory for \"HarlowPlugIn.PlugIn\""},
       {NTest::Quoted(FAULTY_MODULE_4), "is not a plug-in object"},
+      {NTest::Quoted(FAULTY_MODULE_6), "the plug-in object refuses this host"},
       {NTest::Quoted(FAULTY_MODULE_5), "\"Insert.CANopenIG\": the module has none of this name"},
   };
   for (const auto& [module, named] : cases) {

@@ -4,6 +4,7 @@
 //   3  answers S_OK and hands out nothing
 //   4  makes objects that are nothing but objects
 //   5  has a plug-in object that registers no commands
+//   6  has one that refuses its host
 #include "host/runtime/com.h"
 #include "sdk/class_ids.h"
 #include "sdk/plugin.h"
@@ -21,7 +22,9 @@ class BareObject final : public NRuntime::Implements<IUnknown> {};
 class PlugIn final : public NRuntime::Implements<NSdk::IPlugIn> {
  public:
   HRESULT STDMETHODCALLTYPE GetName(wchar_t**) override { return E_FAIL; }
-  HRESULT STDMETHODCALLTYPE Initialise(NSdk::IHostApplication*) override { return S_OK; }
+  HRESULT STDMETHODCALLTYPE Initialise(NSdk::IHostApplication*) override {
+    return FAULT == 6 ? E_FAIL : S_OK;
+  }
   HRESULT STDMETHODCALLTYPE ShutDown() override { return S_OK; }
 };
 
@@ -50,7 +53,7 @@ STDAPI DllGetPlugInCLSID(const char* progId, CLSID* clsid) {
 
 STDAPI DllGetClassObject(REFCLSID clsid, REFIID iid, void** object) {
   if (FAULT == 3) return S_OK;
-  return NRuntime::Make<Factory>(FAULT == 5 && clsid == NSdk::kClsidPlugIn)->QueryInterface(iid, object);
+  return NRuntime::Make<Factory>(FAULT >= 5 && clsid == NSdk::kClsidPlugIn)->QueryInterface(iid, object);
 }
 
 #if FAULT != 1

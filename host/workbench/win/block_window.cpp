@@ -33,14 +33,12 @@ BlockWindow::BlockWindow(HWND client, NRuntime::ComPtr<NSdk::IUIEventsEx> block,
   mBlock->GetSizes(&mPreferred, &mMinimum);
   RECT frame = Frame(mPreferred);
   frame = {CW_USEDEFAULT, CW_USEDEFAULT, frame.right - frame.left, frame.bottom - frame.top};
-  if (place && place->width > 0 && place->height > 0)
-    frame = {place->x, place->y, place->width, place->height};
   MakeChild(client, L"OstrelBlock", title.c_str(), frame);
   if (mBlock->CreateBlockWindow(mSite.Get()) != S_OK) {
     throw std::runtime_error(NRuntime::ToUtf8(Text(TextId::BlockNoWindow)));
   }
   Arrange();
-  if (place && place->maximized) ShowWindow(Handle(), SW_MAXIMIZE);
+  if (place) PutAt(Handle(), *place);
   SetFocus(Handle());
 }
 

@@ -21,6 +21,7 @@ enum ControlId : int {
   kAdd,
   kRemove,
   kTabs,
+  kPane,
   kBusLabel,
   kBus,
   kTimingLabel,
@@ -129,13 +130,6 @@ INT_PTR ChannelsDialog::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     case WM_NOTIFY:
       if (reinterpret_cast<NMHDR*>(lParam)->code == TCN_SELCHANGE) ChangeTab();
       return TRUE;
-    case WM_CTLCOLORSTATIC:
-      // The page is as bright as a window where the system draws it so.
-      if (const int id = GetDlgCtrlID(reinterpret_cast<HWND>(lParam)); id >= kBusLabel && id <= kDatabases) {
-        SetBkColor(reinterpret_cast<HDC>(wParam), GetSysColor(COLOR_WINDOW));
-        return reinterpret_cast<INT_PTR>(GetSysColorBrush(COLOR_WINDOW));
-      }
-      return FALSE;
     case WM_DESTROY:
       for (const auto& page : mPages) page->Destroy();
       mPages.clear();
@@ -166,26 +160,29 @@ void ChannelsDialog::OnInit() {
 void ChannelsDialog::MakeControls() {
   constexpr DWORD kLine = WS_TABSTOP | WS_BORDER | ES_AUTOHSCROLL;
   constexpr DWORD kLines = kLine | ES_MULTILINE | ES_WANTRETURN | ES_AUTOVSCROLL | WS_VSCROLL;
-  const auto make = [this](const wchar_t* windowClass, TextId text, DWORD style, int id) {
-    MakeControl(mWindow, windowClass, text == TextId::AppName ? L"" : Text(text), style, id);
+  const auto make = [](HWND parent, const wchar_t* windowClass, TextId text, DWORD style, int id) {
+    return MakeControl(parent, windowClass, text == TextId::AppName ? L"" : Text(text), style, id);
   };
   const TextId none = TextId::AppName;
-  make(WC_LISTBOXW, none, WS_TABSTOP | WS_BORDER | WS_VSCROLL | LBS_NOTIFY | LBS_NOINTEGRALHEIGHT, kList);
-  make(WC_BUTTONW, TextId::ChannelsAdd, WS_TABSTOP, kAdd);
-  make(WC_BUTTONW, TextId::ChannelsRemove, WS_TABSTOP, kRemove);
-  make(WC_TABCONTROLW, none, WS_TABSTOP | WS_CLIPSIBLINGS, kTabs);
-  make(WC_STATICW, TextId::ChannelsBus, 0, kBusLabel);
-  make(WC_EDITW, none, kLine, kBus);
-  make(WC_STATICW, TextId::ChannelsTiming, 0, kTimingLabel);
-  make(WC_EDITW, none, kLine, kTiming);
-  make(WC_STATICW, TextId::ChannelsDatabases, 0, kDatabasesLabel);
-  make(WC_EDITW, none, kLines, kDatabases);
-  make(WC_STATICW, TextId::ChannelsDevices, 0, kDevicesLabel);
-  make(WC_EDITW, none, kLines, kDevices);
-  make(WC_BUTTONW, TextId::ButtonOk, WS_TABSTOP | BS_DEFPUSHBUTTON, IDOK);
-  make(WC_BUTTONW, TextId::ButtonCancel, WS_TABSTOP, IDCANCEL);
-  for (const int id : kOwnPage) SetWindowPos(Control(id), HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
-  SetWindowPos(Control(kTabs), HWND_BOTTOM, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
+  const HWND all = mWindow;
+  make(all, WC_LISTBOXW, none, WS_TABSTOP | WS_BORDER | WS_VSCROLL | LBS_NOTIFY | LBS_NOINTEGRALHEIGHT,
+       kList);
+  make(all, WC_BUTTONW, TextId::ChannelsAdd, WS_TABSTOP, kAdd);
+  make(all, WC_BUTTONW, TextId::ChannelsRemove, WS_TABSTOP, kRemove);
+  // What is in front of the tabs comes before them.
+  const HWND pane = make(all, WC_STATICW, none, WS_CLIPCHILDREN | WS_CLIPSIBLINGS, kPane);
+  SetWindowLongW(pane, GWL_EXSTYLE, WS_EX_CONTROLPARENT);
+  make(all, WC_TABCONTROLW, none, WS_TABSTOP | WS_CLIPSIBLINGS, kTabs);
+  make(pane, WC_STATICW, TextId::ChannelsBus, 0, kBusLabel);
+  make(pane, WC_EDITW, none, kLine, kBus);
+  make(pane, WC_STATICW, TextId::ChannelsTiming, 0, kTimingLabel);
+  make(pane, WC_EDITW, none, kLine, kTiming);
+  make(pane, WC_STATICW, TextId::ChannelsDatabases, 0, kDatabasesLabel);
+  make(pane, WC_EDITW, none, kLines, kDatabases);
+  make(all, WC_STATICW, TextId::ChannelsDevices, 0, kDevicesLabel);
+  make(all, WC_EDITW, none, kLines, kDevices);
+  make(all, WC_BUTTONW, TextId::ButtonOk, WS_TABSTOP | BS_DEFPUSHBUTTON, IDOK);
+  make(all, WC_BUTTONW, TextId::ButtonCancel, WS_TABSTOP, IDCANCEL);
 }
 
 void ChannelsDialog::Arrange() {
@@ -193,19 +190,13 @@ void ChannelsDialog::Arrange() {
     int id, left, top, width, height;
   };
   constexpr Place kPlaces[] = {
-      {kList, 12, 12, 150, 242},
-      {kAdd, 12, 262, 72, 26},
-      {kRemove, 90, 262, 72, 26},
-      {kTabs, 174, 12, 454, 276},
-      {kBusLabel, 186, 48, 430, 17},
-      {kBus, 186, 67, 430, 24},
-      {kTimingLabel, 186, 101, 430, 17},
-      {kTiming, 186, 120, 100, 24},
-      {kDatabasesLabel, 186, 154, 430, 17},
-      {kDatabases, 186, 173, 430, 104},
-      {kDevicesLabel, 12, 300, 616, 17},
-      {kDevices, 12, 319, 616, 108},
-      {IDOK, 448, 442, 86, 26},
+      {kList, 12, 12, 150, 242},       {kAdd, 12, 262, 80, 26},
+      {kRemove, 96, 262, 66, 26},      {kTabs, 174, 12, 454, 276},
+      {kBusLabel, 10, 8, 424, 17},  // in the pane, as what follows
+      {kBus, 10, 27, 424, 24},         {kTimingLabel, 10, 61, 424, 17},
+      {kTiming, 10, 80, 100, 24},      {kDatabasesLabel, 10, 114, 424, 17},
+      {kDatabases, 10, 133, 424, 102}, {kDevicesLabel, 12, 300, 616, 17},
+      {kDevices, 12, 319, 616, 108},   {IDOK, 448, 442, 86, 26},
       {IDCANCEL, 542, 442, 86, 26},
   };
   for (const Place& place : kPlaces) {
@@ -224,7 +215,13 @@ void ChannelsDialog::MakePages() {
   };
   addTab(Text(TextId::ChannelsGeneral));
   mTiming = NRuntime::Make<Timing>();
-  mSite = NRuntime::Make<PageSite>(mWindow);
+  RECT area = {};
+  GetWindowRect(Control(kTabs), &area);
+  MapWindowPoints(nullptr, mWindow, reinterpret_cast<POINT*>(&area), 2);
+  TabCtrl_AdjustRect(Control(kTabs), FALSE, &area);
+  const int width = area.right - area.left, height = area.bottom - area.top;
+  MoveWindow(Control(kPane), area.left, area.top, width, height, FALSE);
+  mSite = NRuntime::Make<PageSite>(Control(kPane));
   const auto container = NRuntime::Make<Pages>();
   if (mWorkbench.Extensions()) mWorkbench.Extensions()->AddPages(container.Get());
   for (const auto& page : container->pages) {
@@ -235,12 +232,14 @@ void ChannelsDialog::MakePages() {
     if (captioned) captioned->GetPageCaption(caption.Out());
     addTab(caption.Text().empty() ? L"?" : caption.Text());
     mPages.push_back(page);
-    RECT area = {Scaled(174), Scaled(12), Scaled(174 + 454), Scaled(12 + 276)};
-    TabCtrl_AdjustRect(Control(kTabs), FALSE, &area);
-    SetWindowPos(static_cast<HWND>(window), HWND_TOP, area.left, area.top, area.right - area.left,
-                 area.bottom - area.top, SWP_HIDEWINDOW);
-    page->Resize(area.right - area.left, area.bottom - area.top);
+    SetWindowPos(static_cast<HWND>(window), HWND_TOP, 0, 0, width, height, SWP_HIDEWINDOW);
+    page->Resize(width, height);
   }
+}
+
+HWND ChannelsDialog::Control(int id) const {
+  const HWND control = GetDlgItem(mWindow, id);
+  return control ? control : GetDlgItem(GetDlgItem(mWindow, kPane), id);
 }
 
 std::string ChannelsDialog::TextIn(int id) const { return NRuntime::ToUtf8(TextOf(Control(id))); }
@@ -252,8 +251,8 @@ void ChannelsDialog::PutText(int id, const std::string& text) const {
 void ChannelsDialog::ShowList() {
   ListBox_ResetContent(Control(kList));
   for (const auto& channel : mDocument.channels) {
-    const std::wstring text =
-        L"CAN " + std::to_wstring(channel.number) + L"   " + NRuntime::ToWide(channel.bus);
+    const std::string bus = channel.bus.substr(0, channel.bus.find(','));  // options take too much room
+    const std::wstring text = L"CAN " + std::to_wstring(channel.number) + L"   " + NRuntime::ToWide(bus);
     ListBox_AddString(Control(kList), text.c_str());
   }
 }

@@ -35,7 +35,7 @@ class ChannelsDialog {
   void MakeControls();
   void MakePages();
   void Arrange();
-  HWND Control(int id) const { return GetDlgItem(mWindow, id); }
+  HWND Control(int id) const;
   std::string TextIn(int id) const;
   void PutText(int id, const std::string& text) const;
   void ShowList();

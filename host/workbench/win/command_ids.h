@@ -15,6 +15,7 @@ enum CommandId : int {
   kOptionsHalvard,
   kOptionsTesmond,
   kOptionsHexadecimal,
+  kOptionsLargeIcons,
   kOptionsEnglish,
   kOptionsGerman,
   kWindowSetup,

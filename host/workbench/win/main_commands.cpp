@@ -59,6 +59,7 @@ bool MainWindow::OnOptionCommand(int id) {
     mWorkbench->SetNumberBase(mWorkbench->Settings().numberBase == 16 ? 10 : 16);
     return true;
   }
+  if (id == kOptionsLargeIcons) return mWorkbench->SetLargeIcons(!mWorkbench->Settings().largeIcons), true;
   if (id < kOptionsChannels || id > kOptionsGerman) return false;
   if (mWorkbench->IsMeasuring()) return true;
   if (id == kOptionsChannels) ShowChannels();
@@ -163,16 +164,15 @@ bool MainWindow::Open(const std::filesystem::path& file) {
 void MainWindow::AfterOpening() {
   mTrace->Restart();
   RefreshAll();
-  const auto& window = mWorkbench->Settings().window;
-  if (window && window->width > 0 && window->height > 0) {
-    SetWindowPos(Handle(), nullptr, window->x, window->y, window->width, window->height,
-                 SWP_NOZORDER | SWP_NOACTIVATE);
-    if (window->maximized) ShowWindow(Handle(), SW_MAXIMIZE);
-  }
+  RestoreWindows();
   if (!mWorkbench->ModuleFault().empty()) {
     Ask(Handle(), Text(TextId::NoModule, NRuntime::ToWide(mWorkbench->ModuleFault())),
         MB_OK | MB_ICONWARNING);
   }
+  OpenRememberedBlocks();
+}
+
+void MainWindow::OpenRememberedBlocks() {
   for (std::size_t position = 0; position < mWorkbench->Blocks().size(); ++position) {
     const auto& place = mWorkbench->Blocks()[position].stored.window;
     if (place && place->open) OpenBlock(position, true);
@@ -181,9 +181,11 @@ void MainWindow::AfterOpening() {
 
 void MainWindow::ChangeSettings(const std::function<void(NConfiguration::Document&)>& change) {
   const WaitCursor waiting;
+  RememberWindows();
   NConfiguration::Document document = mWorkbench->Settings();
   change(document);
   mWorkbench->Change(document);
+  OpenRememberedBlocks();
   RefreshLater();
 }
 
@@ -203,15 +205,10 @@ void MainWindow::Close() {
 
 // ---- measurement
 
-// While a bus is joined, nothing else is done.
 void MainWindow::StartMeasurement() {
   if (mWorkbench->IsMeasuring()) return;
-  try {
-    const WaitCursor waiting;
-    mWorkbench->Start();
-  } catch (const std::runtime_error& error) {
-    Ask(Handle(), Text(TextId::CannotStart, Words(error)), MB_OK | MB_ICONERROR);
-  }
+  const WaitCursor waiting;
+  mWorkbench->Start();
 }
 
 // ---- blocks
@@ -245,7 +242,24 @@ void MainWindow::RememberWindows() {
     PlacedBlock* const block = mWorkbench->Find(object);
     if (block && window) block->stored.window = window->Place();
   }
-  mWorkbench->SetWindow(PlaceOf(Handle()));
+  NConfiguration::Window own = PlaceOf(Handle());
+  own.open = true;
+  own.minimized = false;
+  std::map<std::string, NConfiguration::Window> inner;
+  for (const auto& [name, window] : InnerWindows()) inner[name] = PlaceOf(window->Handle());
+  mWorkbench->SetWindows(own, inner);
+}
+
+// Those of which the configuration says nothing stay where they are.
+void MainWindow::RestoreWindows() {
+  if (const auto& own = mWorkbench->Settings().window) PutAt(Handle(), *own);
+  const auto places = mWorkbench->Settings().windows;
+  for (const auto& [name, window] : InnerWindows()) {
+    const auto place = places.find(name);
+    if (place == places.end()) continue;
+    PutAt(window->Handle(), place->second);
+    if (!place->second.open) window->PutAway();
+  }
 }
 
 namespace {
@@ -285,10 +299,7 @@ void MainWindow::ShowSetupMenu(POINT screen) {
   mCommands->Append(menu, list->names);
   if (place.kind == SetupWindow::Place::Kind::Simulation)
     mCommands->Append(menu, mCommands->SimulationCommands());
-  const int chosen = TrackPopupMenu(menu, TPM_RETURNCMD | TPM_NONOTIFY | TPM_RIGHTBUTTON, screen.x, screen.y,
-                                    0, Handle(), nullptr);
-  DestroyMenu(menu);
-  if (chosen != 0) OnCommand(chosen);
+  OnCommand(Choose(menu, screen));
 }
 
 }  // namespace NWorkbench

@@ -22,15 +22,11 @@ constexpr Entry kFile[] = {{kFileNew, TextId::FileNew},
                            {kFileSave, TextId::FileSave},
                            {kFileSaveAs, TextId::FileSaveAs}};
 constexpr Entry kMeasurement[] = {{kMeasureStart, TextId::MeasureStart}, {kMeasureStop, TextId::MeasureStop}};
-constexpr Entry kOptions[] = {{kOptionsChannels, TextId::OptionsChannels},
-                              {},
-                              {kOptionsHexadecimal, TextId::OptionsHexadecimal},
-                              {},
-                              {kOptionsHalvard, TextId::OptionsHalvard},
-                              {kOptionsTesmond, TextId::OptionsTesmond},
-                              {},
-                              {kOptionsEnglish, TextId::OptionsEnglish},
-                              {kOptionsGerman, TextId::OptionsGerman}};
+constexpr Entry kOptions[] = {
+    {kOptionsChannels, TextId::OptionsChannels},     {}, {kOptionsHexadecimal, TextId::OptionsHexadecimal},
+    {kOptionsLargeIcons, TextId::OptionsLargeIcons}, {}, {kOptionsHalvard, TextId::OptionsHalvard},
+    {kOptionsTesmond, TextId::OptionsTesmond},       {}, {kOptionsEnglish, TextId::OptionsEnglish},
+    {kOptionsGerman, TextId::OptionsGerman}};
 constexpr Entry kWindow[] = {{kWindowSetup, TextId::WindowSetup},       {kWindowTrace, TextId::WindowTrace},
                              {kWindowMessages, TextId::WindowMessages}, {},
                              {kWindowCascade, TextId::WindowCascade},   {kWindowTile, TextId::WindowTile}};

@@ -6,6 +6,7 @@
 #include "host/runtime/text.h"
 #include "host/workbench/texts.h"
 #include "host/workbench/win/command_ids.h"
+#include "host/workbench/win/drawn_icons.h"
 
 namespace NWorkbench {
 namespace {
@@ -60,12 +61,7 @@ MainWindow::MainWindow(const StartOptions& options) : mOptions(options), mKeys(M
         nullptr,
         {CW_USEDEFAULT, CW_USEDEFAULT, Scaled(1100), Scaled(720)},
         nullptr});
-  const auto setIcon = [this](WPARAM kind, int metric) {
-    const HICON icon = MakeDrawnIcon(DrawnIcon::Program, GetSystemMetrics(metric));
-    ::SendMessageW(Handle(), WM_SETICON, kind, reinterpret_cast<LPARAM>(icon));
-  };
-  setIcon(ICON_SMALL, SM_CXSMICON);
-  setIcon(ICON_BIG, SM_CXICON);
+  for (const WPARAM kind : {ICON_SMALL, ICON_BIG}) SetProgramIcon(Handle(), kind);
   mWorkbench->New({});
   MakeInside();
 }
@@ -116,10 +112,15 @@ bool MainWindow::Translate(MSG& message) {
   return child && child->Translate(message);
 }
 
+std::vector<std::pair<std::string, ChildWindow*>> MainWindow::InnerWindows() const {
+  return {{NConfiguration::kSetupWindow, mSetup.get()},
+          {NConfiguration::kTraceWindow, mTrace.get()},
+          {NConfiguration::kMessagesWindow, mMessages.get()}};
+}
+
 ChildWindow* MainWindow::ActiveChild() const {
   const auto active = reinterpret_cast<HWND>(::SendMessageW(mClient, WM_MDIGETACTIVE, 0, 0));
-  for (ChildWindow* child : {static_cast<ChildWindow*>(mSetup.get()), static_cast<ChildWindow*>(mTrace.get()),
-                             static_cast<ChildWindow*>(mMessages.get())}) {
+  for (const auto& [name, child] : InnerWindows()) {
     if (child && child->Handle() == active) return child;
   }
   for (const auto& [block, window] : mBlocks) {
@@ -142,6 +143,11 @@ void MainWindow::OnMeasurementChanged() {
   RefreshLater();
 }
 
+void MainWindow::OnCannotStart(const std::string& text) {
+  SetCursor(LoadCursorW(nullptr, IDC_ARROW));
+  Ask(Handle(), Text(TextId::CannotStart, Wide(text)), MB_OK | MB_ICONERROR);
+}
+
 void MainWindow::OnTrouble(const std::string& text) {
   if (mMessages) mMessages->Add(Wide(text));
 }
@@ -157,10 +163,7 @@ void MainWindow::RefreshAll() {
   mCommands->Update();
   BuildMenu();
   ShowToolBar();
-  for (ChildWindow* child : {static_cast<ChildWindow*>(mSetup.get()), static_cast<ChildWindow*>(mTrace.get()),
-                             static_cast<ChildWindow*>(mMessages.get())}) {
-    child->Refresh();
-  }
+  for (const auto& [name, child] : InnerWindows()) child->Refresh();
   mTrace->SetNumberBase(mWorkbench->Settings().numberBase);
   for (const auto& [object, window] : mBlocks) {
     const PlacedBlock* const block = mWorkbench->Find(object);
@@ -184,8 +187,16 @@ LRESULT MainWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
       ShowStatus();
       return 0;
     case kRefresh:
-      RefreshAll();
+      mRefreshPosted = false;
+      mRefreshIsDue = mMenuIsOpen;
+      if (!mMenuIsOpen) RefreshAll();
       return 0;
+    case WM_ENTERMENULOOP:
+      mMenuIsOpen = true;
+      break;
+    case WM_EXITMENULOOP:
+      OnMenuClosed();
+      break;
     case WM_COMMAND:
       if (OnCommand(LOWORD(wParam))) return 0;
       break;
@@ -228,11 +239,23 @@ LRESULT MainWindow::OnNotify(NMHDR& header) {
 void MainWindow::DropDown(int id) {
   const HMENU menu = mCommands->MakeDropDown(id);
   if (!menu) return;
-  const POINT place = mTools->BelowOf(id);
-  const int chosen =
-      TrackPopupMenu(menu, TPM_RETURNCMD | TPM_NONOTIFY, place.x, place.y, 0, Handle(), nullptr);
+  OnCommand(Choose(menu, mTools->BelowOf(id)));
+}
+
+// The number of an item, 0 for none. The menu is destroyed.
+int MainWindow::Choose(HMENU menu, POINT place) {
+  mMenuIsOpen = true;
+  const int chosen = TrackPopupMenu(menu, TPM_RETURNCMD | TPM_NONOTIFY | TPM_RIGHTBUTTON, place.x, place.y, 0,
+                                    Handle(), nullptr);
+  OnMenuClosed();
   DestroyMenu(menu);
-  if (chosen != 0) OnCommand(chosen);
+  return chosen;
+}
+
+// A command that was chosen is on its way: what it refers to is made anew behind it.
+void MainWindow::OnMenuClosed() {
+  mMenuIsOpen = false;
+  if (std::exchange(mRefreshIsDue, false)) RefreshLater();
 }
 
 void MainWindow::Arrange() {
@@ -262,9 +285,9 @@ void MainWindow::ShowStatus() {
     transmitted += load.Transmitted();
   }
   const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(mWorkbench->Elapsed()).count();
-  const std::wstring state = mWorkbench->IsMeasuring()
-                                 ? Text(TextId::StateMeasuring, std::to_wstring(seconds))
-                                 : std::wstring(Text(TextId::StateStopped));
+  std::wstring state = Text(TextId::StateStopped);
+  if (mWorkbench->IsMeasuring()) state = Text(TextId::StateMeasuring, std::to_wstring(seconds));
+  if (mWorkbench->IsJoining()) state = Text(TextId::StateJoining);
   const std::wstring texts[] = {
       state, Text(TextId::StateFrames, std::to_wstring(received), std::to_wstring(transmitted)),
       LoadText(mWorkbench->Loads()),
@@ -286,7 +309,7 @@ void MainWindow::ShowToolBar() {
       {},
       OwnButton(kOptionsChannels, TextId::TipChannels, DrawnIcon::Channels, !measuring)};
   mCommands->AppendButtons(buttons);
-  mTools->Show(std::move(buttons), false);
+  mTools->Show(std::move(buttons), mWorkbench->Settings().largeIcons);
 }
 
 void MainWindow::BuildMenu() {
@@ -330,6 +353,7 @@ void MainWindow::ShowStates(HMENU menu) const {
     enable(id, !measuring);
   }
   check(kOptionsHexadecimal, settings.numberBase == 16);
+  check(kOptionsLargeIcons, settings.largeIcons);
   check(kOptionsHalvard, settings.variant == NSdk::kHostHalvard);
   check(kOptionsTesmond, settings.variant == NSdk::kHostTesmond);
   check(kOptionsEnglish, settings.language != kGerman);

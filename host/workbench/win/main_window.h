@@ -28,6 +28,8 @@ class MainWindow final : public Window, private WorkbenchEvents, private SetupCo
   explicit MainWindow(const StartOptions& options);
   ~MainWindow() override;
 
+  Workbench& Host() { return *mWorkbench; }
+
   /// Shows it and opens the configuration. What is wrong with it is told in a message box.
   void Begin(int show);
   bool Translate(MSG& message) override;
@@ -37,6 +39,7 @@ class MainWindow final : public Window, private WorkbenchEvents, private SetupCo
   void OnSetupChanged() override;
   void OnBlockLeaving(IUnknown& block) override;
   void OnMeasurementChanged() override;
+  void OnCannotStart(const std::string& text) override;
   void OnTrouble(const std::string& text) override;
 
   // ---- window
@@ -56,7 +59,11 @@ class MainWindow final : public Window, private WorkbenchEvents, private SetupCo
   void FillCommandMenus();
   void ShowStates(HMENU menu) const;
   void DropDown(int id);
+  int Choose(HMENU menu, POINT place);
+  void OnMenuClosed();
   ChildWindow* ActiveChild() const;
+  /// By their names in configurations.
+  std::vector<std::pair<std::string, ChildWindow*>> InnerWindows() const;
 
   // ---- commands
   bool OnCommand(int id);
@@ -77,7 +84,9 @@ class MainWindow final : public Window, private WorkbenchEvents, private SetupCo
   void ShowChannels();
   void ChangeSettings(const std::function<void(NConfiguration::Document&)>& change);
   void OpenBlock(std::size_t position, bool remembered);
+  void OpenRememberedBlocks();
   void RememberWindows();
+  void RestoreWindows();
   void Close();
 
   StartOptions mOptions;
@@ -93,7 +102,8 @@ class MainWindow final : public Window, private WorkbenchEvents, private SetupCo
   std::unique_ptr<TraceWindow> mTrace;
   std::unique_ptr<MessagesWindow> mMessages;
   std::map<const IUnknown*, std::unique_ptr<BlockWindow>> mBlocks;
-  bool mRefreshPosted = false;
+  bool mRefreshPosted = false, mRefreshIsDue = false;
+  bool mMenuIsOpen = false;  // what it shows stays meanwhile
   bool mRemembersBlocks = true;
   int mTicks = 0;
 };

@@ -8,8 +8,6 @@
 #include <string>
 #include <vector>
 
-#include "host/workbench/win/drawn_icons.h"
-
 namespace NWorkbench {
 
 /// A button, or a gap when it has no number.

@@ -3,6 +3,7 @@
 #include <windowsx.h>
 
 #include <algorithm>
+#include <chrono>
 
 #include "host/workbench/service.h"
 #include "host/workbench/texts.h"
@@ -15,6 +16,9 @@ enum ControlId : int { kPause = 1, kClear, kFilterLabel, kFilter, kList };
 
 constexpr UINT_PTR kRefreshTimer = 1;
 constexpr UINT kRefreshPeriod_ms = 50;
+// Drawing takes no more than this part of the time, however slow the screen is.
+constexpr int kShareOfDrawing = 5;
+constexpr UINT kLongestPeriod_ms = 1000;
 constexpr std::size_t kRowsAtOnce = 20000;  // that a filter looks at between two refreshes
 constexpr std::size_t kMostCopied = 100000;
 
@@ -133,7 +137,7 @@ void TraceWindow::Arrange() {
 
 // The last row is followed as long as the user has it in view.
 void TraceWindow::ShowNew() {
-  if (IsIconic(Handle())) return;
+  if (IsIconic(Handle()) || !IsWindowVisible(Handle())) return;
   mView.Update(kRowsAtOnce);
   const std::size_t count = mView.Count();
   if (count == mShownCount && mStore.End() == mShownEnd) return;
@@ -142,9 +146,17 @@ void TraceWindow::ShowNew() {
   const bool follows = static_cast<std::size_t>(bottom) >= mShownCount;
   mShownCount = count;
   mShownEnd = mStore.End();
+  const auto begin = std::chrono::steady_clock::now();
   ListView_SetItemCountEx(mList, static_cast<int>(count), LVSICF_NOSCROLL);
   if (follows && count != 0 && !mView.IsPaused())
     ListView_EnsureVisible(mList, static_cast<int>(count) - 1, FALSE);
+  InvalidateRect(mList, nullptr, FALSE);
+  UpdateWindow(mList);
+  using std::chrono::milliseconds;
+  const auto cost = std::chrono::duration_cast<milliseconds>(std::chrono::steady_clock::now() - begin);
+  const auto period =
+      std::clamp(static_cast<UINT>(kShareOfDrawing * cost.count()), kRefreshPeriod_ms, kLongestPeriod_ms);
+  SetTimer(Handle(), kRefreshTimer, period, nullptr);
 }
 
 bool TraceWindow::Translate(MSG& message) {

@@ -71,7 +71,7 @@ void ChildWindow::MakeChild(HWND client, const wchar_t* className, const wchar_t
   Make({className, title, WS_CHILD | WS_CLIPCHILDREN | WS_CLIPSIBLINGS | WS_OVERLAPPEDWINDOW | shown,
         WS_EX_MDICHILD | WS_EX_CONTROLPARENT, client, place,
         reinterpret_cast<HBRUSH>(static_cast<INT_PTR>(COLOR_BTNFACE + 1))});
-  SetIcon(DrawnIcon::Program);
+  SetProgramIcon(Handle(), ICON_SMALL);
 }
 
 // The system keeps account of the windows inside another.
@@ -84,9 +84,12 @@ void ChildWindow::PutAway() {
   ::SendMessageW(GetParent(Handle()), WM_MDINEXT, reinterpret_cast<WPARAM>(Handle()), 0);
 }
 
-void ChildWindow::SetIcon(DrawnIcon icon) const {
-  const HICON made = MakeDrawnIcon(icon, GetSystemMetrics(SM_CXSMICON));
-  ::SendMessageW(Handle(), WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(made));
+void SetProgramIcon(HWND window, WPARAM kind) {
+  constexpr int kNumber = 1;
+  const int size = GetSystemMetrics(kind == ICON_SMALL ? SM_CXSMICON : SM_CXICON);
+  const HANDLE icon =
+      LoadImageW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(kNumber), IMAGE_ICON, size, size, LR_SHARED);
+  if (icon) ::SendMessageW(window, WM_SETICON, kind, reinterpret_cast<LPARAM>(icon));
 }
 
 void ChildWindow::Activate() {
@@ -142,8 +145,30 @@ NConfiguration::Window PlaceOf(HWND window) {
   place.y = frame.top;
   place.width = frame.right - frame.left;
   place.height = frame.bottom - frame.top;
-  place.maximized = IsZoomed(window) != FALSE;
+  place.open = (GetWindowLongW(window, GWL_STYLE) & WS_VISIBLE) != 0;
+  place.minimized = IsIconic(window) != FALSE;
+  place.maximized = IsZoomed(window) || (place.minimized && (placement.flags & WPF_RESTORETOMAXIMIZED) != 0);
   return place;
+}
+
+void PutAt(HWND window, const NConfiguration::Window& place) {
+  if (place.width <= 0 || place.height <= 0) return;
+  WINDOWPLACEMENT placement = {};
+  placement.length = sizeof placement;
+  GetWindowPlacement(window, &placement);
+  RECT& frame = placement.rcNormalPosition;
+  const RECT wanted = {place.x, place.y, place.x + place.width, place.y + place.height};
+  const bool isInside = (GetWindowLongW(window, GWL_STYLE) & WS_CHILD) != 0;
+  if (isInside || MonitorFromRect(&wanted, MONITOR_DEFAULTTONULL)) {
+    frame = wanted;
+  } else {
+    frame = {frame.left, frame.top, frame.left + place.width, frame.top + place.height};
+  }
+  placement.showCmd = SW_SHOWNOACTIVATE;
+  if (place.maximized) placement.showCmd = SW_SHOWMAXIMIZED;
+  if (place.minimized) placement.showCmd = SW_SHOWMINNOACTIVE;
+  placement.flags = place.maximized ? WPF_RESTORETOMAXIMIZED : 0;
+  SetWindowPlacement(window, &placement);
 }
 
 int Ask(HWND owner, const std::wstring& text, UINT kind) {

@@ -7,7 +7,6 @@
 #include <string>
 
 #include "host/configuration/document.h"
-#include "host/workbench/win/drawn_icons.h"
 
 namespace NWorkbench {
 
@@ -72,7 +71,6 @@ class ChildWindow : public Window {
 
  protected:
   /// `client` is the MDI client. `place` has the form left, top, width, height in its coordinates.
-  void SetIcon(DrawnIcon icon) const;
   void MakeChild(HWND client, const wchar_t* className, const wchar_t* title, RECT place,
                  bool visible = true);
   LRESULT Default(UINT message, WPARAM wParam, LPARAM lParam) override {
@@ -80,6 +78,8 @@ class ChildWindow : public Window {
   }
 };
 
+/// The icon of the program's file; `kind` is ICON_SMALL or ICON_BIG.
+void SetProgramIcon(HWND window, WPARAM kind);
 /// Pixels for a length at 96 dpi.
 int Scaled(int length);
 /// The font of the system's dialogs, for as long as the program runs.
@@ -87,8 +87,11 @@ HFONT DialogFont();
 /// A control with the dialog font.
 HWND MakeControl(HWND parent, const wchar_t* className, const wchar_t* text, DWORD style, int id);
 std::wstring TextOf(HWND control);
-/// Where a window is when it is not maximised, as configurations keep it.
+/// Where a window is when it is neither maximised nor minimised, as configurations keep it.
 NConfiguration::Window PlaceOf(HWND window);
+/// Puts it there and shows it, open or not. A place without a size is none, and one outside all screens gives
+/// the size alone.
+void PutAt(HWND window, const NConfiguration::Window& place);
 
 /// A message box over the main window; the answer.
 int Ask(HWND owner, const std::wstring& text, UINT kind);

@@ -9,6 +9,7 @@
 #include <atomic>
 #include <deque>
 #include <mutex>
+#include <optional>
 #include <stdexcept>
 #include <thread>
 
@@ -20,6 +21,8 @@ constexpr UINT kRunTasks = WM_APP;
 constexpr UINT_PTR kLaterTimer = 1;
 // What is posted goes before input and painting: after this long they get their turn.
 constexpr std::chrono::milliseconds kLongestTurn{8};
+// Many short turns may be as bad as a long one.
+constexpr std::chrono::milliseconds kLongestWait{20};
 
 // A task as asio hands it over, which can be moved but not copied.
 class Pending {
@@ -75,6 +78,7 @@ class WindowLoop::Core {
   std::unique_ptr<Pending> Take();
   bool RunOne();
   bool RunOneGuarded();
+  bool IsUserKeptWaiting();
   void RunTurn();
 
   WindowLoop& mOwner;
@@ -85,6 +89,7 @@ class WindowLoop::Core {
   std::deque<std::unique_ptr<Pending>> mPending;
   std::atomic<bool> mWoken = false;
   HWND mWindow = nullptr;
+  std::optional<std::chrono::steady_clock::time_point> mWaitingSince;  // input or painting
   std::thread mThread;
 };
 
@@ -171,6 +176,16 @@ bool WindowLoop::Core::RunOneGuarded() {
   }
 }
 
+bool WindowLoop::Core::IsUserKeptWaiting() {
+  if (!IsUserWaiting()) {
+    mWaitingSince.reset();
+    return false;
+  }
+  const auto now = std::chrono::steady_clock::now();
+  if (!mWaitingSince) mWaitingSince = now;
+  return now - *mWaitingSince >= kLongestWait;
+}
+
 // While the user waits, the rest comes with a timer, which lets input and painting go before it.
 void WindowLoop::Core::RunTurn() {
   mWoken = false;
@@ -179,11 +194,10 @@ void WindowLoop::Core::RunTurn() {
   bool more = true;
   while (more && std::chrono::steady_clock::now() < end) more = RunOneGuarded();
   --depth;
-  if (!more) return;
-  if (IsUserWaiting()) {
+  if (IsUserKeptWaiting()) {
     mWoken = true;
     SetTimer(mWindow, kLaterTimer, USER_TIMER_MINIMUM, nullptr);
-  } else {
+  } else if (more) {
     Wake();
   }
 }

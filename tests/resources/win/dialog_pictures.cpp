@@ -4,6 +4,7 @@
 
 #include "com/module_scope.h"
 #include "dialogs_of_library.h"
+#include "tests/windows/picture.h"
 
 namespace {
 
@@ -18,40 +19,6 @@ void Paint(HWND window) {
     while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
     Sleep(10);
   }
-}
-
-bool SavePicture(HWND window, const std::string& file) {
-  RECT place;
-  GetWindowRect(window, &place);
-  BITMAPINFOHEADER header{};
-  header.biSize = sizeof header;
-  header.biWidth = place.right - place.left;
-  header.biHeight = place.bottom - place.top;
-  header.biPlanes = 1;
-  header.biBitCount = 24;
-  const std::size_t size = static_cast<std::size_t>((header.biWidth * 3 + 3) / 4 * 4 * header.biHeight);
-  const HDC screen = GetDC(nullptr);
-  const HDC memory = CreateCompatibleDC(screen);
-  void* bits = nullptr;
-  const HBITMAP bitmap =
-      CreateDIBSection(memory, reinterpret_cast<BITMAPINFO*>(&header), DIB_RGB_COLORS, &bits, nullptr, 0);
-  const HGDIOBJ old = SelectObject(memory, bitmap);
-  BitBlt(memory, 0, 0, header.biWidth, header.biHeight, screen, place.left, place.top, SRCCOPY);
-  GdiFlush();
-  BITMAPFILEHEADER fileHeader{};
-  fileHeader.bfType = 0x4D42;
-  fileHeader.bfOffBits = sizeof fileHeader + sizeof header;
-  fileHeader.bfSize = static_cast<DWORD>(fileHeader.bfOffBits + size);
-  std::FILE* stream = std::fopen(file.c_str(), "wb");
-  const bool written = stream && std::fwrite(&fileHeader, sizeof fileHeader, 1, stream) == 1 &&
-                       std::fwrite(&header, sizeof header, 1, stream) == 1 &&
-                       std::fwrite(bits, size, 1, stream) == 1;
-  if (stream) std::fclose(stream);
-  SelectObject(memory, old);
-  DeleteObject(bitmap);
-  DeleteDC(memory);
-  ReleaseDC(nullptr, screen);
-  return written;
 }
 
 }  // namespace
@@ -71,7 +38,9 @@ int main(int count, char** arguments) {
   for (const auto& dialog : NResourcesTest::DialogsOf(library)) {
     Paint(dialog.Handle());
     const std::string file = std::string(arguments[2]) + "/" + std::to_string(dialog.id) + ".bmp";
-    if (!SavePicture(dialog.Handle(), file)) {
+    RECT area = {};
+    GetWindowRect(dialog.Handle(), &area);
+    if (!NTest::SavePicture(area, file)) {
       std::fprintf(stderr, "dialog_pictures: '%s' cannot be written\n", file.c_str());
       return 1;
     }

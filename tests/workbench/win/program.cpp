@@ -150,6 +150,7 @@ void Answers::Run() {
     mTexts += text;
     last = search.found;
     PostMessageW(search.found, WM_COMMAND, static_cast<WPARAM>(mAnswer), 0);
+    mHasAnswered = true;
   }
 }
 

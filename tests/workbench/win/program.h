@@ -30,6 +30,7 @@ class Program {
   /// A command of the module by its caption in a menu, from the left and from 0. False: it is not there.
   bool CommandOfMenu(int menu, const std::wstring& caption);
 
+  NWorkbench::Workbench& Host() { return mWindow->Host(); }
   HWND Main() const { return mMain; }
   bool IsClosed() const { return !IsWindow(mMain); }
   /// Rows of the trace; messages that were told.
@@ -37,10 +38,10 @@ class Program {
   std::vector<std::wstring> Messages() const;
   std::vector<std::wstring> SetupLines() const;
   std::wstring Status(int part) const;
-
- private:
+  /// A window of this class anywhere inside. Null: there is none.
   HWND Child(const wchar_t* className) const;
 
+ private:
   std::unique_ptr<NWorkbench::MainWindow> mWindow;
   HWND mMain = nullptr;
 };
@@ -55,6 +56,7 @@ class Answers {
   Answers(const Answers&) = delete;
   Answers& operator=(const Answers&) = delete;
 
+  bool HasAnswered() const { return mHasAnswered; }
   /// All texts, once no box is open any more.
   std::wstring Texts();
 
@@ -63,7 +65,7 @@ class Answers {
 
   const int mAnswer;
   std::function<bool()> mWhen;
-  std::atomic<bool> mStop = false;
+  std::atomic<bool> mStop = false, mHasAnswered = false;
   std::wstring mTexts;
   std::thread mThread;
 };

@@ -3,6 +3,8 @@
 // asio's header comes first: it brings the socket headers, which must precede those of Windows.
 #include "host/buses/socketcand_server.h"
 
+#include <asio/io_context.hpp>
+
 #include <gmock/gmock.h>
 
 #include <fstream>
@@ -11,6 +13,7 @@
 #include "host/buses/bus_factory.h"
 #include "host/runtime/asio_loop.h"
 #include "host/workbench/win/command_ids.h"
+#include "sdk/generator.h"
 #include "tests/workbench/win/program.h"
 
 namespace {
@@ -30,7 +33,7 @@ TEST(WorkbenchSurvives, AModuleThatDoesNotWorkLosesNoBlock) {
   const std::filesystem::path missing = std::filesystem::path(OSTREL_MODULE).parent_path() / "Missing.hpi";
   for (const auto& [module, reason] :
        {std::pair(missing, L"no such module"),
-        std::pair(std::filesystem::path(OSTREL_FAULTY_MODULE), L"has no class")}) {
+        std::pair(std::filesystem::path(OSTREL_FAULTY_MODULE), L"refuses this host")}) {
     const auto file = WriteConfiguration("kept.json", kVirtual, kScanner);
     Answers ok(IDOK);
     Program program(file, module);
@@ -59,8 +62,28 @@ TEST(WorkbenchSurvives, ABusThatIsNotThere) {
       WriteConfiguration("nowhere.json", R"({"number": 1, "bus": "socketcand:127.0.0.1:1/can0"})"));
   Answers ok(IDOK);
   program.Command(kMeasureStart);
+  EXPECT_TRUE(program.Wait([&] { return ok.HasAnswered(); }));
   EXPECT_THAT(ok.Texts(), HasSubstr(L"socketcand 127.0.0.1:1"));
   EXPECT_FALSE(IsMeasuring(program));
+}
+
+// Connections are made by the system, and nobody greets.
+TEST(WorkbenchSurvives, ABusThatNeverAnswersHoldsUpNobody) {
+  asio::io_context context;
+  asio::ip::tcp::acceptor silent(context, {asio::ip::address_v4::loopback(), 0});
+  const std::string address = "127.0.0.1:" + std::to_string(silent.local_endpoint().port());
+  Program program(
+      WriteConfiguration("silent.json", R"({"number": 1, "bus": "socketcand:)" + address + R"(/can0"})"));
+  const auto begin = std::chrono::steady_clock::now();
+  program.Command(kMeasureStart);
+  EXPECT_TRUE(program.Wait([&] { return program.Status(0) == L"Joining the bus..."; }));
+  program.Command(kMeasureStop);
+  EXPECT_TRUE(program.Wait([&] { return program.Status(0) == L"Stopped"; }));
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(3));
+  Answers ok(IDOK);
+  program.Command(kMeasureStart);
+  EXPECT_TRUE(program.Wait([&] { return ok.HasAnswered(); }));
+  EXPECT_THAT(ok.Texts(), HasSubstr(L"no answer; is it a socketcand server?"));
 }
 
 // Offers a virtual bus on the network, on a thread of its own.
@@ -102,6 +125,35 @@ TEST(WorkbenchSurvives, ABusThatIsLostDuringAMeasurement) {
   const Answers yes(IDYES);
   SendMessageW(program.Main(), WM_CLOSE, 0, 0);
   EXPECT_TRUE(program.IsClosed()) << "in the midst of the measurement";
+}
+
+// In a pause, and in a transfer to a device that never answers.
+TEST(WorkbenchSurvives, BeingClosedWhileASequenceRuns) {
+  const std::string items[] = {
+      R"(<PAUSE PauseMilliSec="60000" Enabled="1"/>)",
+      R"(<SDO NodeID="5" COBIDTx="0x605" COBIDRx="0x585" Data="" Index="0x1008" SubIndex="0x0" BlockTransfer="0" )"
+      R"(AutoSize="0" ObjectSize="0" AutoCANID="1" Upload="1" Enabled="1"/>)"};
+  for (const std::string& item : items) {
+    std::ofstream(WriteConfiguration("long.seq", ""), std::ios::binary)
+        << R"(<?xml version="1.0" encoding="UTF-8"?><CANopenIG><Sequence><SYNC COBID="0x80" Enabled="1"/>)"
+        << item << "</Sequence></CANopenIG>";
+    Program program(WriteConfiguration("running.json", kVirtual, R"(, "blocks": [
+        {"progId": "HarlowPlugIn.CANopenIG", "settings": {"Name": "Long", "SvcDelay": "1", "SDOTimeout": "60000",
+         "SDOBlockSize": "10", "CANChannel": "1", "LastCOIGSequenceRel": "long.seq"}}])"));
+    program.Command(kMeasureStart);
+    ASSERT_TRUE(program.Wait([&] { return IsMeasuring(program); }));
+    const auto generator = NRuntime::Query<NSdk::IGenerator>(program.Host().Blocks().at(0).object);
+    ASSERT_TRUE(generator && generator->ReloadSequence() == S_OK);
+    ASSERT_TRUE(SUCCEEDED(generator->ToggleSequence()));
+    EXPECT_TRUE(program.Wait([&] { return program.TraceRows() >= 1; }));
+    std::uint32_t activity = 0;
+    generator->GetActivity(&activity);
+    EXPECT_EQ(activity, NSdk::kSequenceRunning);
+    EXPECT_THAT(program.Messages(), testing::IsEmpty());
+    const Answers yes(IDYES);
+    SendMessageW(program.Main(), WM_CLOSE, 0, 0);
+    EXPECT_TRUE(program.IsClosed());
+  }
 }
 
 // The measurement goes on behind the box, and ends there with its log.

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <windows.h>
+
+#include <filesystem>
+
+namespace NTest {
+
+/// What the screen shows in this area, as a bitmap file. False: it cannot be written.
+bool SavePicture(const RECT& area, const std::filesystem::path& file);
+
+}  // namespace NTest

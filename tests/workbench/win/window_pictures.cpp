@@ -1,0 +1,243 @@
+// window_pictures CONFIGURATION en|de FOLDER: opens the program's and the module's windows one after the
+// other, menus and message boxes among them, and writes a picture of each into the folder, NAME.bmp. It needs
+// a display: tools/screenshots gives it one.
+
+// asio's header comes first: it brings the socket headers, which must precede those of Windows.
+#include "host/workbench/win/window_loop.h"
+
+#include <commctrl.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cwchar>
+
+#include "host/workbench/win/command_ids.h"
+#include "tests/windows/picture.h"
+#include "tests/workbench/win/program.h"
+
+namespace {
+
+using namespace NWorkbenchTest;
+using namespace NWorkbench;
+using namespace std::chrono_literals;
+
+constexpr wchar_t kDialogClass[] = L"#32770", kMenuClass[] = L"#32768";
+constexpr auto kToSettle = 600ms;
+
+std::filesystem::path gFolder;
+bool gAllWritten = true;
+
+void Take(HWND window, const std::string& name) {
+  RECT area = {};
+  GetWindowRect(window, &area);
+  const bool written = window && NTest::SavePicture(area, gFolder / (name + ".bmp"));
+  if (!written) std::fprintf(stderr, "window_pictures: no picture of %s\n", name.c_str());
+  gAllWritten = gAllWritten && written;
+}
+
+BOOL CALLBACK CompareClass(HWND window, LPARAM parameter) {
+  auto& search = *reinterpret_cast<std::pair<const wchar_t*, HWND>*>(parameter);
+  wchar_t name[64] = {};
+  DWORD process = 0;
+  GetClassNameW(window, name, 64);
+  GetWindowThreadProcessId(window, &process);
+  if (process != GetCurrentProcessId() || !IsWindowVisible(window) || std::wcscmp(name, search.first) != 0)
+    return TRUE;
+  search.second = window;
+  return FALSE;
+}
+
+HWND FindOpen(const wchar_t* className) {
+  std::pair<const wchar_t*, HWND> search{className, nullptr};
+  EnumWindows(CompareClass, reinterpret_cast<LPARAM>(&search));
+  return search.second;
+}
+
+// On a thread of its own, since dialogs and menus keep that of the windows: waits for one, does with it what
+// is asked, and closes it.
+class Photographer {
+ public:
+  Photographer(HWND main, const wchar_t* className, std::function<void(HWND)> shoot)
+      : mThread([=] {
+          for (int attempt = 0; attempt < 200; ++attempt) {
+            Sleep(50);
+            const HWND window = FindOpen(className);
+            if (!window) continue;
+            std::this_thread::sleep_for(kToSettle);
+            shoot(window);
+            if (className == kMenuClass) {
+              GUITHREADINFO info = {};
+              info.cbSize = sizeof info;
+              GetGUIThreadInfo(GetWindowThreadProcessId(main, nullptr), &info);
+              SendMessageW(info.hwndMenuOwner, WM_CANCELMODE, 0, 0);
+            } else {
+              for (const WPARAM button : {IDCANCEL, IDNO}) PostMessageW(window, WM_COMMAND, button, 0);
+              PostMessageW(window, WM_CLOSE, 0, 0);
+            }
+            return;
+          }
+          std::fprintf(stderr, "window_pictures: a window has not come\n");
+          gAllWritten = false;
+        }) {}
+  ~Photographer() { mThread.join(); }
+  Photographer(const Photographer&) = delete;
+  Photographer& operator=(const Photographer&) = delete;
+
+ private:
+  std::thread mThread;
+};
+
+class Tour {
+ public:
+  explicit Tour(const std::filesystem::path& configuration) : mProgram(configuration) {}
+
+  void Settle(std::chrono::milliseconds span = kToSettle) {
+    const auto end = std::chrono::steady_clock::now() + span;
+    mProgram.Wait([&] { return std::chrono::steady_clock::now() >= end; });
+  }
+  void TakeMain(const std::string& name) {
+    Settle();
+    Take(mProgram.Main(), name);
+  }
+  /// What a command opens, by itself.
+  void TakeDialog(const std::string& name, int command) {
+    TakeDialog(command, [name](HWND dialog) { Take(dialog, name); });
+  }
+  void TakeDialog(int command, const std::function<void(HWND)>& shoot) {
+    const Photographer photographer(mProgram.Main(), kDialogClass, shoot);
+    mProgram.Command(command);
+  }
+  /// A menu with the main window around it.
+  void TakeMenu(const std::string& name, const std::function<void()>& open,
+                const std::vector<WPARAM>& keys = {}) {
+    const HWND main = mProgram.Main();
+    const Photographer photographer(main, kMenuClass, [=](HWND) {
+      for (const WPARAM key : keys) {
+        PostMessageW(main, WM_KEYDOWN, key, 0);
+        std::this_thread::sleep_for(kToSettle);
+      }
+      Take(main, name);
+    });
+    open();
+    Settle();
+  }
+  void MainMenus();
+  void ToolBarMenu();
+  void Blocks();
+  void Channels();
+  void Messages();
+  void Run(int language);
+
+ private:
+  void SelectLine(int line);
+  int LineOf(const wchar_t* text) const;
+
+  Program mProgram;
+};
+
+void Tour::MainMenus() {
+  const HWND main = mProgram.Main();
+  for (int position = 0; position < GetMenuItemCount(GetMenu(main)); ++position) {
+    TakeMenu("menu-" + std::to_string(position), [&] {
+      for (int step = 0; step < position; ++step) PostMessageW(main, WM_KEYDOWN, VK_RIGHT, 0);
+      PostMessageW(main, WM_KEYDOWN, VK_DOWN, 0);
+      SendMessageW(main, WM_SYSCOMMAND, SC_KEYMENU, 0);
+    });
+  }
+}
+
+void Tour::ToolBarMenu() {
+  const HWND bar = mProgram.Child(TOOLBARCLASSNAMEW);
+  for (int position = 0; position < SendMessageW(bar, TB_BUTTONCOUNT, 0, 0); ++position) {
+    TBBUTTON button = {};
+    SendMessageW(bar, TB_GETBUTTON, static_cast<WPARAM>(position), reinterpret_cast<LPARAM>(&button));
+    if ((button.fsStyle & BTNS_WHOLEDROPDOWN) == 0) continue;
+    RECT area = {};
+    SendMessageW(bar, TB_GETITEMRECT, static_cast<WPARAM>(position), reinterpret_cast<LPARAM>(&area));
+    TakeMenu("menu-nmt",
+             [&] { SendMessageW(bar, WM_LBUTTONDOWN, 0, MAKELPARAM(area.left + 4, area.top + 4)); },
+             {VK_DOWN, VK_RIGHT, VK_RIGHT});
+    return;
+  }
+}
+
+int Tour::LineOf(const wchar_t* text) const {
+  const auto lines = mProgram.SetupLines();
+  const auto found = std::find(lines.begin(), lines.end(), text);
+  return static_cast<int>(found - lines.begin());
+}
+
+void Tour::SelectLine(int line) {
+  const HWND tree = GetWindow(mProgram.Child(L"OstrelSetup"), GW_CHILD);
+  HTREEITEM item = TreeView_GetRoot(tree);
+  for (; line > 0; --line) item = TreeView_GetNextVisible(tree, item);
+  TreeView_SelectItem(tree, item);
+}
+
+void Tour::Blocks() {
+  const HWND setup = mProgram.Child(L"OstrelSetup");
+  for (const auto& [name, text] :
+       {std::pair("generator", L"Commissioning"), std::pair("scanner", L"Who is there")}) {
+    SelectLine(LineOf(text));
+    TakeMenu(std::string("menu-") + name, [&] { SendMessageW(setup, WM_CONTEXTMENU, 0, -1); });
+  }
+  SelectLine(LineOf(L"Commissioning"));
+  TakeDialog("settings", kBlockConfigure);
+  const HWND scanner = GetWindow(mProgram.Child(L"OstrelBlock"), GW_CHILD);
+  TakeMenu("menu-scanner-window", [&] { SendMessageW(scanner, WM_CONTEXTMENU, 0, -1); });
+}
+
+void Tour::Channels() {
+  TakeDialog(kOptionsChannels, [](HWND dialog) {
+    Take(dialog, "channels");
+    const HWND tabs = FindWindowExW(dialog, nullptr, WC_TABCONTROLW, nullptr);
+    for (int tab = 1; tab < TabCtrl_GetItemCount(tabs); ++tab) {
+      SendMessageW(tabs, TCM_SETCURFOCUS, static_cast<WPARAM>(tab), 0);
+      std::this_thread::sleep_for(kToSettle);
+      Take(dialog, "channels-page-" + std::to_string(tab));
+    }
+  });
+}
+
+// The program's own message boxes.
+void Tour::Messages() {
+  TakeDialog("about", kHelpAbout);
+  mProgram.Command(kOptionsHexadecimal);
+  TakeDialog("ask-save", kFileNew);
+  TakeDialog("open", kFileSaveAs);
+}
+
+void Tour::Run(int language) {
+  mProgram.Command(language);
+  Settle();
+  mProgram.Command(kMeasureStart);
+  Settle(3s);
+  TakeMain("workbench");
+  Take(mProgram.Child(L"OstrelBlock"), "scanner");
+  MainMenus();
+  ToolBarMenu();
+  TakeDialog("node-selection", kFirstDropDown + 1);
+  Blocks();
+  TakeDialog("ask-stop", kFileNew);
+  mProgram.Command(kMeasureStop);
+  Settle();
+  Channels();
+  Messages();
+  mProgram.Command(kOptionsLargeIcons);
+  mProgram.Command(kOptionsTesmond);
+  TakeMain("workbench-large-icons");
+}
+
+}  // namespace
+
+int wmain(int count, wchar_t** arguments) {
+  if (count != 4) {
+    std::fputs("usage: window_pictures CONFIGURATION en|de FOLDER\n", stderr);
+    return 2;
+  }
+  SetProcessDPIAware();
+  gFolder = arguments[3];
+  Tour tour(arguments[1]);
+  tour.Run(std::wstring(arguments[2]) == L"de" ? kOptionsGerman : kOptionsEnglish);
+  return gAllWritten ? 0 : 1;
+}
