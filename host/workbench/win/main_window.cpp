@@ -266,7 +266,13 @@ void MainWindow::Arrange() {
   ::SendMessageW(mStatus, WM_SIZE, 0, 0);
   GetWindowRect(mStatus, &status);
   const int top = mTools->Height(), bottom = static_cast<int>(area.bottom - (status.bottom - status.top));
+  RECT before = {};
+  GetWindowRect(mClient, &before);
+  MapWindowPoints(nullptr, Handle(), reinterpret_cast<POINT*>(&before), 2);
   MoveWindow(mClient, 0, top, area.right, bottom > top ? bottom - top : 0, TRUE);
+  if (before.top != top) {
+    RedrawWindow(mClient, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
+  }
   const int width = static_cast<int>(area.right);
   const int edges[] = {Scaled(190), Scaled(400), width - Scaled(70), -1};
   ::SendMessageW(mStatus, SB_SETPARTS, 4, reinterpret_cast<LPARAM>(edges));

@@ -56,9 +56,8 @@ class SelectionOfOne final : public NRuntime::Implements<NSdk::ISelectionContext
   NRuntime::ComPtr<IUnknown> mItem;
 };
 
-// A block that ends a line takes no part in sending.
 bool Sends(const PlacedBlock& block) {
-  return block.object && !NRuntime::Query<NSdk::IMSFinalNode>(block.object);
+  return block.object && NRuntime::Query<NSdk::IMSTransferNode>(block.object);
 }
 
 }  // namespace

@@ -185,6 +185,10 @@ void Tour::Blocks() {
   TakeDialog("settings", kBlockConfigure);
   const HWND scanner = GetWindow(mProgram.Child(L"OstrelBlock"), GW_CHILD);
   TakeMenu("menu-scanner-window", [&] { SendMessageW(scanner, WM_CONTEXTMENU, 0, -1); });
+  mProgram.Command(kBlockOpen);  // what is selected in the setup window is the generator
+  Settle();
+  Take(reinterpret_cast<HWND>(SendMessageW(mProgram.Child(L"MDICLIENT"), WM_MDIGETACTIVE, 0, 0)),
+       "generator");
 }
 
 void Tour::Channels() {

@@ -22,7 +22,8 @@ constexpr char kDevice[] = R"(, "devices": [{"channel": 1, "node": 5}, {"channel
 constexpr char kScanners[] =
     R"(, "blocks": [{"progId": "HarlowPlugIn.CANopenScanner", "settings": {"Name": "First"},
                      "window": {"x": 0, "y": 0, "width": 400, "height": 200}},
-                    {"progId": "HarlowPlugIn.CANopenScanner", "settings": {"Name": "Second"}}])";
+                    {"progId": "HarlowPlugIn.CANopenScanner", "settings": {"Name": "Second"}},
+                    {"progId": "HarlowPlugIn.CANopenIG", "settings": {"Name": "Sender", "CANChannel": "1"}}])";
 constexpr int kInsertMenu = 1;
 
 TEST(Workbench, InsertsMeasuresSavesAndOpensAgain) {
@@ -48,15 +49,15 @@ TEST(Workbench, InsertsMeasuresSavesAndOpensAgain) {
 
 TEST(Workbench, SetupsAreThoseOfTheVariantAndTheLanguage) {
   Program program(WriteConfiguration("variants.json", kVirtual, kScanners));
-  EXPECT_THAT(program.SetupLines(), testing::ElementsAre(L"Simulation setup", L"Network CAN 1",
+  EXPECT_THAT(program.SetupLines(), testing::ElementsAre(L"Simulation setup", L"Network CAN 1", L"Sender",
                                                          L"Measurement setup", L"First", L"Second"));
   program.Command(kOptionsTesmond);
-  EXPECT_TRUE(program.Wait([&] { return program.SetupLines().size() == 4; }));
+  EXPECT_TRUE(program.Wait([&] { return program.SetupLines().front() == L"Measurement setup"; }));
   EXPECT_THAT(program.SetupLines(),
-              testing::ElementsAre(L"Measurement setup", L"Send line", L"First", L"Second"));
+              testing::ElementsAre(L"Measurement setup", L"Send line", L"Sender", L"First", L"Second"));
   program.Command(kOptionsGerman);
   EXPECT_TRUE(program.Wait([&] { return program.SetupLines().front() == L"Messaufbau"; }));
-  EXPECT_EQ(program.SetupLines().size(), 4u);
+  EXPECT_EQ(program.SetupLines().size(), 5u);
   EXPECT_NE(program.Child(L"OstrelBlock"), nullptr) << "its window is open again";
   const Answers no(IDNO);
   SendMessageW(program.Main(), WM_CLOSE, 0, 0);
