@@ -33,7 +33,7 @@ enum ControlId : int {
 };
 constexpr int kOwnPage[] = {kBusLabel, kBus, kTimingLabel, kTiming, kDatabasesLabel, kDatabases};
 
-constexpr int kWidth = 640, kHeight = 510;  // of the inside, at 96 dpi
+constexpr int kWidth = 640, kHeight = 534;  // of the inside, at 96 dpi
 
 // 500 kbit/s with the sample point at 75 %: what the registers show where none are set.
 constexpr NConfiguration::BitTiming kUsualTiming = {0x00, 0x2B};
@@ -190,14 +190,14 @@ void ChannelsDialog::Arrange() {
     int id, left, top, width, height;
   };
   constexpr Place kPlaces[] = {
-      {kList, 12, 12, 150, 272},       {kAdd, 12, 292, 80, 26},
-      {kRemove, 96, 292, 66, 26},      {kTabs, 174, 12, 454, 306},
+      {kList, 12, 12, 150, 296},       {kAdd, 12, 316, 80, 26},
+      {kRemove, 96, 316, 66, 26},      {kTabs, 174, 12, 454, 330},
       {kBusLabel, 10, 8, 424, 17},  // in the pane, as what follows
       {kBus, 10, 27, 424, 24},         {kTimingLabel, 10, 61, 424, 17},
       {kTiming, 10, 80, 100, 24},      {kDatabasesLabel, 10, 114, 424, 17},
-      {kDatabases, 10, 133, 424, 132}, {kDevicesLabel, 12, 330, 616, 17},
-      {kDevices, 12, 349, 616, 108},   {IDOK, 448, 472, 86, 26},
-      {IDCANCEL, 542, 472, 86, 26},
+      {kDatabases, 10, 133, 424, 156}, {kDevicesLabel, 12, 354, 616, 17},
+      {kDevices, 12, 373, 616, 108},   {IDOK, 448, 496, 86, 26},
+      {IDCANCEL, 542, 496, 86, 26},
   };
   for (const Place& place : kPlaces) {
     MoveWindow(Control(place.id), Scaled(place.left), Scaled(place.top), Scaled(place.width),

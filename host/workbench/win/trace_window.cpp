@@ -17,8 +17,10 @@ enum ControlId : int { kPause = 1, kClear, kFilterLabel, kFilter, kList };
 constexpr UINT_PTR kRefreshTimer = 1;
 constexpr UINT kRefreshPeriod_ms = 50;
 // Drawing takes no more than this part of the time, however slow the screen is.
-constexpr int kShareOfDrawing = 5;
+constexpr int kShareOfDrawing = 10;
 constexpr UINT kLongestPeriod_ms = 1000;
+// When nobody can read what goes by.
+constexpr UINT kFloodPeriod_ms = 100;
 constexpr std::size_t kRowsAtOnce = 20000;  // that a filter looks at between two refreshes
 constexpr std::size_t kMostCopied = 100000;
 
@@ -144,6 +146,8 @@ void TraceWindow::ShowNew() {
   if (mView.IsPaused() && count == mShownCount) return;
   const int bottom = ListView_GetTopIndex(mList) + ListView_GetCountPerPage(mList);
   const bool follows = static_cast<std::size_t>(bottom) >= mShownCount;
+  const bool isFlood = mStore.End() >= mShownEnd + static_cast<std::size_t>(ListView_GetCountPerPage(mList));
+  const UINT least = isFlood ? kFloodPeriod_ms : kRefreshPeriod_ms;
   mShownCount = count;
   mShownEnd = mStore.End();
   const auto begin = std::chrono::steady_clock::now();
@@ -154,8 +158,7 @@ void TraceWindow::ShowNew() {
   UpdateWindow(mList);
   using std::chrono::milliseconds;
   const auto cost = std::chrono::duration_cast<milliseconds>(std::chrono::steady_clock::now() - begin);
-  const auto period =
-      std::clamp(static_cast<UINT>(kShareOfDrawing * cost.count()), kRefreshPeriod_ms, kLongestPeriod_ms);
+  const auto period = std::clamp(static_cast<UINT>(kShareOfDrawing * cost.count()), least, kLongestPeriod_ms);
   SetTimer(Handle(), kRefreshTimer, period, nullptr);
 }
 

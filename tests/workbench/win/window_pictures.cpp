@@ -187,7 +187,7 @@ void Tour::Blocks() {
   TakeMenu("menu-scanner-window", [&] { SendMessageW(scanner, WM_CONTEXTMENU, 0, -1); });
   mProgram.Command(kBlockOpen);  // what is selected in the setup window is the generator
   Settle();
-  Take(reinterpret_cast<HWND>(SendMessageW(mProgram.Child(L"MDICLIENT"), WM_MDIGETACTIVE, 0, 0)),
+  Take(reinterpret_cast<HWND>(SendMessageW(mProgram.Child(L"MDIClient"), WM_MDIGETACTIVE, 0, 0)),
        "generator");
 }
 
