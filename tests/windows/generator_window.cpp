@@ -119,41 +119,6 @@ void GeneratorWindowTest::Press(WPARAM key, unsigned modifiers) {
   PumpFor(1);
 }
 
-void GeneratorWindowTest::Drag(HWND from, POINT start, HWND to, POINT end) {
-  PostMessageW(from, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(start.x, start.y));
-  for (int step = 1; step <= 4; ++step) {
-    PostMessageW(from, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(start.x + 5 * step, start.y + 5 * step));
-  }
-  PumpFor(30);
-  MapWindowPoints(to, Window(), &end, 1);
-  SendMessageW(Window(), WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(end.x, end.y));
-  SendMessageW(Window(), WM_LBUTTONUP, 0, MAKELPARAM(end.x, end.y));
-  PostMessageW(from, WM_LBUTTONUP, 0, 0);  // the control is still waiting for it
-  PumpFor(10);
-}
-
-HTREEITEM GeneratorWindowTest::Choose(std::initializer_list<const wchar_t*> labels) {
-  const HWND tree = Control(IDC_IG_TEMPLATES);
-  HTREEITEM entry = nullptr;
-  for (const wchar_t* label : labels) {
-    entry = entry ? TreeView_GetChild(tree, entry) : TreeView_GetRoot(tree);
-    for (; entry; entry = TreeView_GetNextSibling(tree, entry)) {
-      wchar_t text[128] = {};
-      TVITEMW item = {};
-      item.mask = TVIF_TEXT;
-      item.hItem = entry;
-      item.pszText = text;
-      item.cchTextMax = 128;
-      SendMessageW(tree, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item));
-      if (std::wstring(text) == label) break;
-    }
-    if (!entry) return nullptr;
-  }
-  TreeView_SelectItem(tree, entry);
-  SetFocus(tree);
-  return entry;
-}
-
 void GeneratorWindowTest::SelectRows(HWND list, std::initializer_list<int> rows) {
   SetFocus(list);
   ListView_SetItemState(list, -1, 0, LVIS_SELECTED);
@@ -162,35 +127,17 @@ void GeneratorWindowTest::SelectRows(HWND list, std::initializer_list<int> rows)
   }
 }
 
-void GeneratorWindowTest::WithFile(const std::filesystem::path& file, const std::function<void()>& open) {
-  constexpr int kFileName = 0x47C;
-  WhileOpen(L"#32770", open, [&](HWND dialog) {
-    SetDlgItemTextW(dialog, kFileName, file.wstring().c_str());
-    SendMessageW(dialog, WM_COMMAND, IDOK, 0);
-  });
-}
-
 // ---- eyes
 
 std::wstring GeneratorWindowTest::Rows(HWND list) {
   std::wstring texts;
   for (int row = 0; row < ListView_GetItemCount(list); ++row) {
-    const std::wstring type = Cell(list, row, 0);
+    const std::wstring type = CellText(list, row, 0);
     const bool checked = ListView_GetCheckState(list, row) != 0;
     texts += (row == 0 ? L"" : L" ") + (checked ? type : L"[" + type + L"]");
     if (ListView_GetItemState(list, row, LVIS_SELECTED) != 0) texts += L"*";
   }
   return texts;
-}
-
-std::wstring GeneratorWindowTest::Cell(HWND list, int row, int column) {
-  wchar_t text[256] = {};
-  LVITEMW item = {};
-  item.iSubItem = column;
-  item.pszText = text;
-  item.cchTextMax = 256;
-  SendMessageW(list, LVM_GETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
-  return text;
 }
 
 }  // namespace NTest

@@ -44,21 +44,18 @@ class GeneratorWindowTest : public testing::Test {
 
   /// A key as the host's loop hands it on to the control that has the focus; with Alt, a mnemonic.
   void Press(WPARAM key, unsigned modifiers = kNone);
-  void Type(HWND control, const wchar_t* text) { SetWindowTextW(control, text); }
   void Click(int id) { SendDlgItemMessageW(Window(), id, BM_CLICK, 0, 0); }
-  /// Drags from a place in one control to a place in another.
-  void Drag(HWND from, POINT start, HWND to, POINT end);
   /// Selects an entry of the tree by its labels, from the root down.
-  HTREEITEM Choose(std::initializer_list<const wchar_t*> labels);
+  HTREEITEM Choose(std::initializer_list<const wchar_t*> labels) {
+    return NTest::Choose(Control(IDC_IG_TEMPLATES), labels);
+  }
   void SelectRows(HWND list, std::initializer_list<int> rows);
-  /// Answers the file dialog that `open` shows.
-  void WithFile(const std::filesystem::path& file, const std::function<void()>& open);
 
   // What is seen
 
   /// Types of all rows, unchecked ones in brackets, selected ones with a star: "SDO* [PDO]".
   std::wstring Rows(HWND list);
-  std::wstring Cell(HWND list, int row, int column);
+  std::wstring Cell(HWND list, int row, int column) { return CellText(list, row, column); }
   bool IsEnabled(int id) { return IsWindowEnabled(Control(id)) != FALSE; }
 
   void Start() { client->StartMeasurement(runtime.Get()); }

@@ -301,8 +301,8 @@ TEST_F(GeneratorWindowTest, WithoutAMouse) {
   WhileOpen(
       kDialog, [&] { Press(VK_RETURN); },
       [&](HWND editor) {
-        Type(GetDlgItem(editor, IDC_EDIT_DATA), L"uint:4660");
-        Type(GetDlgItem(editor, IDC_EDIT_DLC), L"2");
+        SetDlgItemTextW(editor, IDC_EDIT_DATA, L"uint:4660");
+        SetDlgItemTextW(editor, IDC_EDIT_DLC, L"2");
         SendMessageW(editor, WM_COMMAND, IDOK, 0);
       });
   EXPECT_EQ(Cell(Sequence(), 0, 1), L"Node-ID 1, COBID 181, DLC 2, Data uint:4660");

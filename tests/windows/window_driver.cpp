@@ -1,7 +1,5 @@
 #include "tests/windows/window_driver.h"
 
-#include <commctrl.h>
-
 #include <chrono>
 #include <stdexcept>
 
@@ -84,6 +82,55 @@ void WhileOpen(const wchar_t* className, const std::function<void()>& open,
   if (driver.ticks == 0) throw std::runtime_error("nothing was opened");
 }
 
+void WithFile(const std::filesystem::path& file, const std::function<void()>& open) {
+  constexpr int kFileName = 0x47C;
+  WhileOpen(L"#32770", open, [&](HWND dialog) {
+    SetDlgItemTextW(dialog, kFileName, file.wstring().c_str());
+    SendMessageW(dialog, WM_COMMAND, IDOK, 0);
+  });
+}
+
+void Drag(HWND from, POINT start, HWND to, POINT end) {
+  PostMessageW(from, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(start.x, start.y));
+  for (int step = 1; step <= 4; ++step) {
+    PostMessageW(from, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(start.x + 5 * step, start.y + 5 * step));
+  }
+  PumpFor(30);
+  const HWND dialog = GetParent(to);
+  MapWindowPoints(to, dialog, &end, 1);
+  SendMessageW(dialog, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(end.x, end.y));
+  SendMessageW(dialog, WM_LBUTTONUP, 0, MAKELPARAM(end.x, end.y));
+  PostMessageW(from, WM_LBUTTONUP, 0, 0);  // the control is still waiting for it
+  PumpFor(10);
+}
+
+namespace {
+
+std::wstring LabelOf(HWND tree, HTREEITEM entry) {
+  wchar_t text[128] = {};
+  TVITEMW item = {};
+  item.mask = TVIF_TEXT;
+  item.hItem = entry;
+  item.pszText = text;
+  item.cchTextMax = 128;
+  SendMessageW(tree, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item));
+  return text;
+}
+
+}  // namespace
+
+HTREEITEM Choose(HWND tree, std::initializer_list<const wchar_t*> labels) {
+  HTREEITEM entry = nullptr;
+  for (const wchar_t* label : labels) {
+    entry = entry ? TreeView_GetChild(tree, entry) : TreeView_GetRoot(tree);
+    while (entry && LabelOf(tree, entry) != label) entry = TreeView_GetNextSibling(tree, entry);
+    if (!entry) return nullptr;
+  }
+  TreeView_SelectItem(tree, entry);
+  SetFocus(tree);
+  return entry;
+}
+
 std::wstring TextOf(HWND window) {
   wchar_t text[512] = {};
   GetWindowTextW(window, text, 512);
@@ -103,16 +150,20 @@ std::wstring TipText() {
   return text;
 }
 
+std::wstring CellText(HWND list, int row, int column) {
+  wchar_t text[256] = {};
+  LVITEMW item = {};
+  item.iSubItem = column;
+  item.pszText = text;
+  item.cchTextMax = 256;
+  SendMessageW(list, LVM_GETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+  return text;
+}
+
 std::wstring RowText(HWND list, int row, int columns) {
   std::wstring texts;
   for (int column = 0; column < columns; ++column) {
-    wchar_t text[256] = {};
-    LVITEMW item = {};
-    item.iSubItem = column;
-    item.pszText = text;
-    item.cchTextMax = 256;
-    SendMessageW(list, LVM_GETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
-    texts += (column == 0 ? L"" : L"|") + std::wstring(text);
+    texts += (column == 0 ? L"" : L"|") + CellText(list, row, column);
   }
   return texts;
 }

@@ -3,7 +3,11 @@
 
 #include <windows.h>
 
+#include <commctrl.h>
+
+#include <filesystem>
 #include <functional>
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -22,7 +26,17 @@ HWND FindShown(const wchar_t* className);
 void WhileOpen(const wchar_t* className, const std::function<void()>& open,
                const std::function<void(HWND)>& drive);
 
+/// Answers the file dialog that `open` shows.
+void WithFile(const std::filesystem::path& file, const std::function<void()>& open);
+
+/// Drags from a place in one control to a place in another one of the same dialog, which has the capture.
+void Drag(HWND from, POINT start, HWND to, POINT end);
+/// Selects an entry of a tree by its labels, from the root down, and gives the tree the focus. Null: it is
+/// not there.
+HTREEITEM Choose(HWND tree, std::initializer_list<const wchar_t*> labels);
+
 std::wstring TextOf(HWND window);
+std::wstring CellText(HWND list, int row, int column);
 /// Text of the tool tip that is shown; empty: none is.
 std::wstring TipText();
 /// "5|Operational|1" and the like.

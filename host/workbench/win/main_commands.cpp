@@ -8,6 +8,7 @@
 #include "host/workbench/texts.h"
 #include "host/workbench/win/channels_dialog.h"
 #include "host/workbench/win/command_ids.h"
+#include "sdk/unsaved_work.h"
 
 namespace NWorkbench {
 namespace {
@@ -62,7 +63,8 @@ bool MainWindow::OnOptionCommand(int id) {
   if (id == kOptionsLargeIcons) return mWorkbench->SetLargeIcons(!mWorkbench->Settings().largeIcons), true;
   if (id < kOptionsChannels || id > kOptionsGerman) return false;
   if (mWorkbench->IsMeasuring()) return true;
-  if (id == kOptionsChannels) ShowChannels();
+  if (id == kOptionsChannels) return ShowChannels(), true;
+  if (!ConfirmLeaving(mWorkbench->Blocks())) return true;
   if (id == kOptionsHalvard)
     ChangeSettings([](Document& document) { document.variant = NSdk::kHostHalvard; });
   if (id == kOptionsTesmond)
@@ -91,7 +93,7 @@ bool MainWindow::OnBlockCommand(int id) {
   const std::size_t position = mSetup->Selected().block;
   if (position >= mWorkbench->Blocks().size()) return true;
   if (id == kBlockOpen) OpenBlock(position, false);
-  if (id == kBlockRemove) mWorkbench->Remove(position);
+  if (id == kBlockRemove && ConfirmLeaving({mWorkbench->Blocks()[position]})) mWorkbench->Remove(position);
   if (id == kBlockConfigure) {
     const auto events = NRuntime::Query<NSdk::IUIEventsEx>(mWorkbench->Blocks()[position].object);
     if (events) events->Configure(Handle());
@@ -109,7 +111,9 @@ bool MainWindow::ConfirmStop() {
   return true;
 }
 
+// Blocks go first: what the user answers may change their settings.
 bool MainWindow::ConfirmDiscard() {
+  if (!ConfirmLeaving(mWorkbench->Blocks())) return false;
   if (!mWorkbench->IsModified()) return true;
   const auto& file = mWorkbench->File();
   const std::wstring name = file.empty() ? std::wstring(Text(TextId::Untitled)) : file.filename().wstring();
@@ -130,6 +134,16 @@ bool MainWindow::Save(bool askName) {
   }
   mRecent.Add(mWorkbench->File());
   RefreshLater();
+  return true;
+}
+
+// Blocks may hold work that the configuration does not keep. The questions let other things happen, so the
+// blocks are held meanwhile.
+bool MainWindow::ConfirmLeaving(std::vector<PlacedBlock> blocks) {
+  for (const PlacedBlock& block : blocks) {
+    const auto unsaved = NRuntime::Query<NSdk::IUnsavedWork>(block.object);
+    if (unsaved && unsaved->ConfirmLeaving(Handle()) == S_FALSE) return false;
+  }
   return true;
 }
 

@@ -75,6 +75,7 @@ class MainWindow final : public Window, private WorkbenchEvents, private SetupCo
   void ShowSetupMenu(POINT screen) override;
   bool ConfirmStop();
   bool ConfirmDiscard();
+  bool ConfirmLeaving(std::vector<PlacedBlock> blocks);
   bool Save(bool askName);
   void OpenAsked();
   bool Open(const std::filesystem::path& file);
