@@ -78,6 +78,9 @@ GeneratorWindowTest::GeneratorWindowTest() {
   host.application->numberBase = 16;
   EXPECT_EQ(events->CreateBlockWindow(host.frame.Get()), S_OK);
   MoveWindow(Window(), 0, 0, 640, 460, FALSE);
+  // A program that has just ended may still be handing its place on.
+  SetForegroundWindow(host.frame->window);
+  PumpUntil([this] { return GetForegroundWindow() == host.frame->window; }, 500);
   SetFocus(Control(IDC_IG_TEMPLATES));
 }
 
