@@ -26,6 +26,8 @@ class TransmissionResults {
   void Clear(NSdk::GeneratorList list);
   void ClearRow(const ItemPlace& place);
 
+  /// Whether any item of the list has a result.
+  bool HasAny(NSdk::GeneratorList list) const { return !mResults[list].empty(); }
   /// Row of the sequence that is being sent.
   std::optional<std::size_t> Current() const { return mCurrent; }
   /// In the user's language; empty: the item was not sent.

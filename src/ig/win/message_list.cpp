@@ -39,9 +39,7 @@ enum CheckImage : UINT { kUnchecked = 1, kChecked = 2 };
 void MessageList::Attach(HWND control) {
   if (!SetWindowSubclass(control, Procedure, kSubclass, reinterpret_cast<DWORD_PTR>(this))) return;
   mControl = control;
-  if (mImages.Load(kImages, kTransparent, control)) {
-    ListView_SetImageList(control, mImages.Get(), LVSIL_SMALL);
-  }
+  mImages.Load(kImages, kTransparent, control);
   ListView_SetExtendedListViewStyle(
       control, LVS_EX_FULLROWSELECT | LVS_EX_CHECKBOXES | LVS_EX_DOUBLEBUFFER | LVS_EX_HEADERDRAGDROP);
   ListView_SetCallbackMask(control, LVIS_STATEIMAGEMASK);
@@ -59,6 +57,7 @@ void MessageList::Detach() {
   mTip.Detach();
   ListView_SetImageList(mControl, nullptr, LVSIL_SMALL);
   mImages.Reset();
+  mShowsImages = false;
   RemoveWindowSubclass(mControl, Procedure, kSubclass);
   mColumns.clear();
   mControl = mMark = nullptr;
@@ -126,8 +125,21 @@ std::optional<LRESULT> MessageList::Handle(UINT message, WPARAM wide, LPARAM lng
 
 // ---- what it shows
 
+// The images take room of the first column only while there are some.
+void MessageList::ShowImages(bool show) {
+  if (show == mShowsImages || !mImages.Get()) return;
+  mShowsImages = show;
+  int width = 0;
+  int height = 0;
+  ImageList_GetIconSize(mImages.Get(), &width, &height);
+  const int column = ListView_GetColumnWidth(mControl, 0);
+  ListView_SetImageList(mControl, show ? mImages.Get() : nullptr, LVSIL_SMALL);
+  ListView_SetColumnWidth(mControl, 0, std::max(0, show ? column + width : column - width));
+}
+
 void MessageList::Refresh() {
   if (!mControl) return;
+  ShowImages(mBlock.Results().HasAny(mList));
   mTip.Hide();
   ListView_SetItemCountEx(mControl, static_cast<int>(Items().size()), LVSICF_NOSCROLL);
   InvalidateRect(mControl, nullptr, FALSE);
@@ -135,6 +147,7 @@ void MessageList::Refresh() {
 
 void MessageList::RedrawRow(std::size_t row) {
   if (!mControl) return;
+  ShowImages(mBlock.Results().HasAny(mList));
   const int position = static_cast<int>(row);
   ListView_RedrawItems(mControl, position, position);
 }
