@@ -12,6 +12,7 @@
 #include <cwchar>
 
 #include "host/workbench/win/command_ids.h"
+#include "sdk/generator.h"
 #include "tests/windows/picture.h"
 #include "tests/workbench/win/program.h"
 
@@ -123,6 +124,7 @@ class Tour {
   }
   void MainMenus();
   void ToolBarMenu();
+  void PlaySequences();
   void Blocks();
   void Channels();
   void Messages();
@@ -211,11 +213,20 @@ void Tour::Messages() {
   TakeDialog("open", kFileSaveAs);
 }
 
+// Names and states come with them.
+void Tour::PlaySequences() {
+  for (const auto& block : mProgram.Host().Blocks()) {
+    const auto generator = NRuntime::Query<NSdk::IGenerator>(block.object);
+    if (generator && generator->ReloadSequence() == S_OK) generator->ToggleSequence();
+  }
+}
+
 void Tour::Run(int language) {
   mProgram.Command(language);
   Settle();
   mProgram.Command(kMeasureStart);
-  Settle(3s);
+  PlaySequences();
+  Settle(6s);
   TakeMain("workbench");
   Take(mProgram.Child(L"OstrelBlock"), "scanner");
   MainMenus();
