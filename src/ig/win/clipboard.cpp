@@ -33,13 +33,15 @@ class OpenedClipboard {
   bool mOpen = false;
 };
 
-void Put(UINT format, const void* bytes, std::size_t size) {
+bool Put(UINT format, const void* bytes, std::size_t size) {
   const HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, size);
   void* const place = memory ? GlobalLock(memory) : nullptr;
-  if (!place) return;
+  if (!place) return false;
   std::memcpy(place, bytes, size);
   GlobalUnlock(memory);
-  if (!SetClipboardData(format, memory)) GlobalFree(memory);
+  if (SetClipboardData(format, memory)) return true;
+  GlobalFree(memory);
+  return false;
 }
 
 }  // namespace
@@ -47,7 +49,7 @@ void Put(UINT format, const void* bytes, std::size_t size) {
 bool PutOnClipboard(HWND owner, const std::string& items, const std::wstring& text) {
   const OpenedClipboard clipboard(owner);
   if (!clipboard || !EmptyClipboard()) return false;
-  Put(Format(), items.c_str(), items.size() + 1);
+  if (!Put(Format(), items.c_str(), items.size() + 1)) return false;
   Put(CF_UNICODETEXT, text.c_str(), (text.size() + 1) * sizeof(wchar_t));
   return true;
 }

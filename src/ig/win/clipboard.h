@@ -7,7 +7,7 @@
 namespace NIg {
 
 /// Puts items, as item_clipboard.h writes them, on the clipboard, and beside them what a text editor pastes.
-/// False: another program holds the clipboard.
+/// False: the items are not there, for another program holds the clipboard or they are too large.
 bool PutOnClipboard(HWND owner, const std::string& items, const std::wstring& text);
 /// Whether items lie there.
 bool HasClipboardItems();

@@ -93,8 +93,8 @@ void GeneratorDialog::Execute(int command) {
     case ID_IG_ITEM_DELETE:
       return Delete(list, rows);
     case ID_IG_ITEM_CUT:
-      Copy(list, rows);
-      return Delete(list, rows);
+      if (Copy(list, rows)) Delete(list, rows);  // another program may hold the clipboard
+      return;
     case ID_IG_ITEM_COPY:
       return Copy(list, rows);
     case ID_IG_ITEM_PASTE:
@@ -172,9 +172,9 @@ void GeneratorDialog::Delete(MessageList& list, const Rows& rows) {
   ShowEdited(list.Which(), mBlock.Editing().Delete(list.Which(), rows));
 }
 
-void GeneratorDialog::Copy(MessageList& list, const Rows& rows) {
+bool GeneratorDialog::Copy(MessageList& list, const Rows& rows) {
   const auto items = ItemsOf(mBlock.Items(list.Which()), rows);
-  PutOnClipboard(Window(), WriteItems(items), TextOf(items));
+  return PutOnClipboard(Window(), WriteItems(items), TextOf(items));
 }
 
 void GeneratorDialog::Paste(MessageList& list) {

@@ -76,7 +76,7 @@ class GeneratorDialog final : public GeneratorView, private NCommon::Dialog, pri
   void Edit();
   void InsertTemplate(NSdk::GeneratorList list);
   void Delete(MessageList& list, const Rows& rows);
-  void Copy(MessageList& list, const Rows& rows);
+  bool Copy(MessageList& list, const Rows& rows);
   void Paste(MessageList& list);
   void Toggle(MessageList& list, const Rows& rows);
   void TakeBack(const std::optional<EditedRows>& edited);
