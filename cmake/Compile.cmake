@@ -26,3 +26,20 @@ if(OSTREL_SANITIZE)
   add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=address,undefined)
 endif()
+
+# What makes a fault harder to use (docs/security.md); tests/tools/check_hardening looks whether it is in what was built.
+# The sanitizers find more by themselves, and bring checks of their own that these would get in the way of.
+if(NOT OSTREL_SANITIZE AND NOT OSTREL_FUZZ)
+  target_compile_options(ostrel_compile INTERFACE -fstack-protector-strong
+    $<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE$<SEMICOLON>-D_FORTIFY_SOURCE=2>
+    # GCC 12 takes moving a short wide string for a copy out of bounds. The check itself, at run time, is not concerned.
+    $<$<CXX_COMPILER_ID:GNU>:-Wno-attribute-warning>)
+  add_link_options(-fstack-protector-strong)
+  if(WIN32)
+    add_link_options(-Wl,--dynamicbase,--nxcompat,--high-entropy-va)
+  else()
+    include(CheckPIESupported)
+    check_pie_supported(LANGUAGES CXX)
+    add_link_options(-Wl,-z,relro,-z,now,-z,noexecstack)
+  endif()
+endif()

@@ -11,6 +11,9 @@ cache=$root/.cache  # made once and kept; build/ may be wiped at any time
 #   windows   cross compiler, Wine (fonts apart: windows measure their text)
 #   screen    a desktop where there is none, and pictures of it
 #   source    unpack a Debian source package
+#   measure   count instructions (./bench)
+#   package   make a Debian package (./package)
+#   fresh     a bare system to try it in (tools/try-package)
 #   vm        a virtual machine with the kernel that the tests of CAN interfaces need (tests/buses/socketcan_vm)
 #   images    draw the module's bitmaps and icons anew (tools/make-images)
 #   tidy      the static analysis that tools/check-style --tidy makes
@@ -21,6 +24,9 @@ packages_of() {
     windows) echo g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 wine64 fonts-wine googletest ;;
     screen) echo xvfb xauth imagemagick ;;
     source) echo dpkg-dev ;;
+    measure) echo valgrind bc ;;
+    package) echo dpkg-dev binutils ;;
+    fresh) echo debootstrap ;;
     vm) echo qemu-system-x86 cpio iproute2 can-utils ;;
     images) echo librsvg2-bin imagemagick ;;
     tidy) echo clang-tidy-14 ;;

@@ -1,11 +1,11 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <cstdlib>
 #include <fstream>
 
 #include "host/bench/line_history.h"
 #include "host/bench/line_source.h"
+#include "host/runtime/crash_report.h"
 
 namespace NBench {
 namespace {
@@ -37,19 +37,9 @@ void AppendHistory(const std::filesystem::path& file, const std::string& line) {
   Write(file, line + '\n', O_APPEND);
 }
 
-// The user's state folder, as the XDG base directories have it.
 std::filesystem::path HistoryFile() {
-  const char* const state = std::getenv("XDG_STATE_HOME");
-  const char* const home = std::getenv("HOME");
-  std::filesystem::path folder;
-  if (state && *state == '/') {
-    folder = state;
-  } else if (home && *home == '/') {
-    folder = std::filesystem::path(home) / ".local" / "state";
-  } else {
-    return {};
-  }
-  folder /= "ostrel";
+  const std::filesystem::path folder = NRuntime::StateFolder();
+  if (folder.empty()) return {};
   std::error_code error;
   std::filesystem::create_directories(folder, error);
   return error ? std::filesystem::path() : folder / "shell-history";

@@ -2,6 +2,7 @@
 
 #include "host/bench/console.h"
 #include "host/bench/options.h"
+#include "host/runtime/crash_report.h"
 
 namespace {
 
@@ -17,6 +18,7 @@ int Run(const std::vector<std::string>& arguments) {
 }  // namespace
 
 int main(int count, char** values) {
+  NRuntime::ReportCrashes("ostrel-bench", OSTREL_VERSION, NRuntime::StateFolder());
   NBench::PrepareConsole();
   try {
     return Run(NBench::CommandLineArguments(count, values));

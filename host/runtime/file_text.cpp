@@ -47,9 +47,12 @@ std::string DecodeText(std::string bytes) {
 
 FileText ReadFileBytes(const std::filesystem::path& path, std::size_t limit) {
   std::error_code ignored;
-  if (!std::filesystem::exists(path, ignored)) return Fault(FileState::Missing, "no such file");
-  if (std::filesystem::is_directory(path, ignored)) {
-    return Fault(FileState::Unreadable, "a directory, not a file");
+  const auto status = std::filesystem::status(path, ignored);
+  if (!std::filesystem::exists(status)) return Fault(FileState::Missing, "no such file");
+  if (std::filesystem::is_directory(status)) return Fault(FileState::Unreadable, "a directory, not a file");
+  // A description that somebody else's database names may be a pipe, from which nothing ever comes.
+  if (!std::filesystem::is_regular_file(status)) {
+    return Fault(FileState::Unreadable, "not a file: pipes and devices are not read");
   }
   std::ifstream stream(path, std::ios::binary);
   if (!stream) return Fault(FileState::Unreadable, "the file cannot be opened");

@@ -15,7 +15,7 @@ struct FileText {
   std::string reason;  ///< of a file that was not read, without its path
 };
 
-/// Reads a file of at most `limit` bytes, as they are.
+/// Reads a file of at most `limit` bytes, as they are; nothing but a regular file.
 FileText ReadFileBytes(const std::filesystem::path& path, std::size_t limit);
 /// Reads a file of at most `limit` bytes as text.
 FileText ReadTextFile(const std::filesystem::path& path, std::size_t limit);
