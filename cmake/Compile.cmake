@@ -11,6 +11,8 @@ set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 # time of a build. Who steps through the code builds with CMAKE_BUILD_TYPE=Debug.
 set(CMAKE_CXX_FLAGS_RELWITHDEBINFO "-O2 -g1 -DNDEBUG")
 set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG")
+# It is the tested code that has to be fast, not the tests.
+set(OSTREL_TEST_OPTIONS $<$<NOT:$<CONFIG:Debug>>:-O1>)
 
 add_library(ostrel_compile INTERFACE)
 target_include_directories(ostrel_compile INTERFACE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/src)

@@ -21,6 +21,7 @@ function(ostrel_test name)
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE ostrel_compile ${ARG_LINKS} GTest::gmock GTest::gtest_main)
   target_precompile_headers(${name} REUSE_FROM ostrel_test_headers)
+  target_compile_options(${name} PRIVATE ${OSTREL_TEST_OPTIONS})
   target_compile_definitions(${name} PRIVATE OSTREL_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data"
     OSTREL_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/tests)
