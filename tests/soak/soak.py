@@ -330,7 +330,7 @@ class Soak:
 
 def main():
     parser = argparse.ArgumentParser()
-    parser.add_argument("program")
+    parser.add_argument("program", help="the ostrel-bench to run")
     parser.add_argument("--minutes", type=float, default=30)
     parser.add_argument("--seed", type=int, default=random.randrange(1 << 32))
     options = parser.parse_args()

@@ -8,6 +8,7 @@
 
 #include <stdexcept>
 
+#include "host/runtime/crash_report.h"
 #include "host/runtime/text.h"
 #include "host/workbench/texts.h"
 #include "host/workbench/win/main_window.h"
@@ -69,6 +70,7 @@ int RunMessages(NWorkbench::MainWindow& window) {
 }  // namespace
 
 int WINAPI wWinMain(HINSTANCE, HINSTANCE, LPWSTR, int show) {
+  NRuntime::ReportCrashes("ostrel-workbench", OSTREL_VERSION, NRuntime::StateFolder());
   const INITCOMMONCONTROLSEX controls = {sizeof controls, ICC_WIN95_CLASSES | ICC_STANDARD_CLASSES};
   InitCommonControlsEx(&controls);
   NWorkbench::StartOptions options;
