@@ -183,22 +183,25 @@ void Generator::SequenceTick() {
     }
   }
   ++mSequenceIndex;
-  if (mSequenceIndex > mSequenceSnapshot.size()) FinishSequence();
+  if (mSequenceIndex > mSequenceSnapshot.size()) FinishSequence(EndsWithCyclicStop(mSequenceSnapshot));
 }
 
-void Generator::FinishSequence() {
+void Generator::FinishSequence(bool endsWithCyclicStop) {
   mWindow->EnableControl(kControlSequenceList, true);
   mWindow->EnableControl(kControlExecute, true);
   mWindow->EnableControl(kControlStart, true);
   mWindow->SetText(kControlExecute, ExecuteLabel());
   mSequenceTimer->Stop();
   SetSequenceRunning(false);
-  if (EndsWithCyclicStop(mSequenceSnapshot) || !mCyclicRunning) ShowCyclicIdle();
+  if (endsWithCyclicStop || !mCyclicRunning) ShowCyclicIdle();
 }
 
-// The message box lets other callbacks in, so the sequence is over before it opens.
+// The message box lets other callbacks in, so the sequence is over before it opens, and its items may be gone
+// afterwards.
 void Generator::SequenceItemFailed(const ItemPlace& place) {
-  mSequenceIndex = mSequenceSnapshot.size() + 1;
+  const bool endsWithCyclicStop = EndsWithCyclicStop(mSequenceSnapshot);
+  mSequenceSnapshot.clear();
+  mSequenceIndex = 1;
   SetSequenceRunning(false);
   mObserver.ItemFailed(place);
   ShowMessage(IDS_IG_SEQUENCE_FAILED);
@@ -207,7 +210,7 @@ void Generator::SequenceItemFailed(const ItemPlace& place) {
   mWindow->EnableControl(kControlExecute, true);
   mWindow->SelectItem(kControlSequenceList, place.position);
   mWindow->StopTimer(mSequenceTimer);
-  FinishSequence();
+  FinishSequence(endsWithCyclicStop);
 }
 
 // ---- cyclic transmission

@@ -87,7 +87,7 @@ class Generator {
   bool OtherBlockRunsCyclic() const;
   void StartSequence();
   void StopSequenceByUser();
-  void FinishSequence();
+  void FinishSequence(bool endsWithCyclicStop);
   void SetSequenceRunning(bool running);
   void BeginCyclic();
   void EndCyclic();

@@ -245,7 +245,8 @@ TEST_F(GeneratorTest, AFailedSequenceItemEndsTheSequenceAloneAndIsSelected) {
   block.ToggleSequence();
   std::uint32_t whileShown = NSdk::kSequenceRunning;
   host->dialogs->whileShown = [&] {
-    host->RunFor(50);  // the box lets further ticks in
+    host->RunFor(50);  // the box lets further ticks in, and the user at the lists
+    block.List(kSequenceList).clear();
     whileShown = block.Activity();
   };
   first->window.Take();

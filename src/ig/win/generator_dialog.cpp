@@ -331,6 +331,7 @@ bool GeneratorDialog::OnButton(int id) {
 }
 
 void GeneratorDialog::RefreshTemplates() {
+  EndDrag();
   NChannels::TheChannelManager().Refresh();
   mTree.Fill(Control(IDC_IG_TEMPLATES), MakeTemplates(mBlock.HexDisplay(), mBlock.DatabaseNodes()));
   ListsReplaced();

@@ -12,6 +12,7 @@
 #include <cwchar>
 
 #include "host/workbench/win/command_ids.h"
+#include "resources/resource_ids.h"
 #include "sdk/generator.h"
 #include "tests/windows/picture.h"
 #include "tests/workbench/win/program.h"
@@ -24,6 +25,7 @@ using namespace std::chrono_literals;
 
 constexpr wchar_t kDialogClass[] = L"#32770", kMenuClass[] = L"#32768";
 constexpr auto kToSettle = 600ms;
+constexpr std::size_t kKinds = 10;  // of items
 
 std::filesystem::path gFolder;
 bool gAllWritten = true;
@@ -126,12 +128,14 @@ class Tour {
   void ToolBarMenu();
   void PlaySequences();
   void Blocks();
+  void Editors();
   void Channels();
   void Messages();
   void Run(int language);
 
  private:
   void SelectLine(int line);
+  HWND InGenerator(int id);
   int LineOf(const wchar_t* text) const;
 
   Program mProgram;
@@ -191,6 +195,45 @@ void Tour::Blocks() {
   Settle();
   Take(reinterpret_cast<HWND>(SendMessageW(mProgram.Child(L"MDIClient"), WM_MDIGETACTIVE, 0, 0)),
        "generator");
+  SendMessageW(InGenerator(IDC_IG_EXECUTE), BM_CLICK, 0, 0);
+  Settle(1s);
+  Take(GetParent(InGenerator(IDC_IG_EXECUTE)), "generator-runs");
+}
+
+HWND Tour::InGenerator(int id) {
+  const auto active =
+      reinterpret_cast<HWND>(SendMessageW(mProgram.Child(L"MDIClient"), WM_MDIGETACTIVE, 0, 0));
+  return GetDlgItem(GetWindow(active, GW_CHILD), id);
+}
+
+// Its menus and the editor of each kind: a template after the other goes into the sequence and is opened
+// there.
+void Tour::Editors() {
+  const HWND tree = InGenerator(IDC_IG_TEMPLATES), sequence = InGenerator(IDC_IG_SEQUENCE);
+  const HWND window = GetParent(tree);
+  Take(window, "generator-results");
+  TakeMenu("menu-templates",
+           [&] { SendMessageW(window, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(tree), -1); });
+  const auto root = TreeView_GetRoot(tree);
+  for (HTREEITEM parent : {root, TreeView_GetNextSibling(tree, root)}) {
+    for (auto entry = TreeView_GetChild(tree, parent); entry; entry = TreeView_GetNextSibling(tree, entry)) {
+      TreeView_SelectItem(tree, entry);
+      ListView_SetItemState(sequence, -1, 0, LVIS_SELECTED);
+      SendMessageW(tree, WM_KEYDOWN, VK_F6, 1);
+      const int row = ListView_GetItemCount(sequence) - 1;
+      wchar_t type[32] = {};
+      ListView_GetItemText(sequence, row, 0, type, 32);
+      const std::string kind(type, type + std::wcslen(type));
+      const Photographer photographer(mProgram.Main(), kDialogClass,
+                                      [kind](HWND dialog) { Take(dialog, "editor-" + kind); });
+      SendMessageW(sequence, WM_KEYDOWN, VK_RETURN, 1);
+    }
+  }
+  TakeMenu("menu-items",
+           [&] { SendMessageW(window, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(sequence), -1); });
+  for (std::size_t kind = 0; kind < kKinds; ++kind) {
+    SendMessageW(window, WM_COMMAND, ID_IG_UNDO, 0);
+  }
 }
 
 void Tour::Channels() {
@@ -236,6 +279,7 @@ void Tour::Run(int language) {
   TakeDialog("ask-stop", kFileNew);
   mProgram.Command(kMeasureStop);
   Settle();
+  Editors();
   Channels();
   Messages();
   mProgram.Command(kOptionsLargeIcons);
