@@ -39,7 +39,7 @@ enum CheckImage : UINT { kUnchecked = 1, kChecked = 2 };
 void MessageList::Attach(HWND control) {
   if (!SetWindowSubclass(control, Procedure, kSubclass, reinterpret_cast<DWORD_PTR>(this))) return;
   mControl = control;
-  mImages.Load(kImages, kTransparent, control);
+  if (mImages.Load(kImages, kTransparent, control)) MakeSpacer();
   ListView_SetExtendedListViewStyle(
       control, LVS_EX_FULLROWSELECT | LVS_EX_CHECKBOXES | LVS_EX_DOUBLEBUFFER | LVS_EX_HEADERDRAGDROP);
   ListView_SetCallbackMask(control, LVIS_STATEIMAGEMASK);
@@ -57,6 +57,8 @@ void MessageList::Detach() {
   mTip.Detach();
   ListView_SetImageList(mControl, nullptr, LVSIL_SMALL);
   mImages.Reset();
+  if (mSpacer) ImageList_Destroy(mSpacer);
+  mSpacer = nullptr;
   mShowsImages = false;
   RemoveWindowSubclass(mControl, Procedure, kSubclass);
   mColumns.clear();
@@ -125,6 +127,15 @@ std::optional<LRESULT> MessageList::Handle(UINT message, WPARAM wide, LPARAM lng
 
 // ---- what it shows
 
+// Rows are as high without images as with them.
+void MessageList::MakeSpacer() {
+  int width = 0;
+  int height = 0;
+  ImageList_GetIconSize(mImages.Get(), &width, &height);
+  mSpacer = ImageList_Create(1, height, ILC_COLOR, 0, 1);
+  ListView_SetImageList(mControl, mSpacer, LVSIL_SMALL);
+}
+
 // The images take room of the first column only while there are some.
 void MessageList::ShowImages(bool show) {
   if (show == mShowsImages || !mImages.Get()) return;
@@ -133,7 +144,7 @@ void MessageList::ShowImages(bool show) {
   int height = 0;
   ImageList_GetIconSize(mImages.Get(), &width, &height);
   const int column = ListView_GetColumnWidth(mControl, 0);
-  ListView_SetImageList(mControl, show ? mImages.Get() : nullptr, LVSIL_SMALL);
+  ListView_SetImageList(mControl, show ? mImages.Get() : mSpacer, LVSIL_SMALL);
   ListView_SetColumnWidth(mControl, 0, std::max(0, show ? column + width : column - width));
 }
 

@@ -70,6 +70,7 @@ class MessageList {
   std::optional<LRESULT> Handle(UINT message, WPARAM wide, LPARAM lng);
   const NCanopen::ItemList& Items() const { return mBlock.Items(mList); }
   void AddColumns();
+  void MakeSpacer();
   void ShowImages(bool show);
   void SetSelected(std::size_t row, bool selected);
   void ChangeSelection(const Rows& rows);
@@ -84,6 +85,7 @@ class MessageList {
   HWND mMark = nullptr;
   std::vector<int> mColumns;  // text identifiers of the headings
   NCommon::ImageList mImages;
+  HIMAGELIST mSpacer = nullptr;
   bool mShowsImages = false;
   NCommon::RowTip mTip;
   ULONGLONG mFollowed = 0;  // when a row was made visible last, in ms
