@@ -96,7 +96,8 @@ void GeneratorDialog::Execute(int command) {
       if (Copy(list, rows)) Delete(list, rows);  // another program may hold the clipboard
       return;
     case ID_IG_ITEM_COPY:
-      return Copy(list, rows);
+      Copy(list, rows);
+      return;
     case ID_IG_ITEM_PASTE:
       return Paste(list);
     case ID_IG_ITEM_UP:
