@@ -1,7 +1,5 @@
 #include "host/bench/commands.h"
 
-#include <CLI/CLI.hpp>
-
 #include <algorithm>
 
 #include "host/bench/console.h"
@@ -102,9 +100,9 @@ class Unobserved final : public NRuntime::MeasurementObserver {
 
 class CommandsCommand final : public Command {
  public:
-  void AddOptions(CLI::App& app) override {
-    mHost.AddOptions(app);
-    app.add_flag("--json", mJson);
+  void AddOptions(OptionList& options) override {
+    mHost.AddOptions(options);
+    options.Flag("--json", mJson);
   }
   std::string Help() const override { return kCommandsHelp; }
   HostTexts* Texts() override { return &mHost; }

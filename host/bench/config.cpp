@@ -1,7 +1,5 @@
 #include "host/bench/config.h"
 
-#include <CLI/CLI.hpp>
-
 #include <stdexcept>
 
 #include "host/runtime/text.h"
@@ -48,7 +46,7 @@ Examples:
 
 class ConfigCommand final : public Command {
  public:
-  void AddOptions(CLI::App& app) override;
+  void AddOptions(OptionList& options) override;
   std::string Help() const override { return kConfigHelp; }
   ExitStatus Run() const override;
 
@@ -63,23 +61,19 @@ class ConfigCommand final : public Command {
   enum class Action { None, Init, Check, Show } mAction = Action::None;
 };
 
-void ConfigCommand::AddOptions(CLI::App& app) {
-  app.require_subcommand(0, 1);
+void ConfigCommand::AddOptions(OptionList& options) {
   const auto add = [&](const char* name, Action action) {
-    CLI::App* const command = app.add_subcommand(name);
-    command->add_option("FILE.json", mFile)->required();
-    command->callback([this, action] { mAction = action; });
-    return command;
+    OptionList own = options.Word(name, [this, action] { mAction = action; });
+    own.Required("FILE.json", mFile);
+    return own;
   };
-  CLI::App* const init = add("init", Action::Init);
-  mHost.AddOptions(*init);
-  init->remove_option(init->get_option("--config"));
-  init->add_flag("--force", mForce);
-  init->add_option("--sequence", mSequence);
-  CLI::App* const check = add("check", Action::Check);
-  check->add_option("--module", mHost.module);
-  CLI::App* const show = add("show", Action::Show);
-  show->add_flag("--json", mJson);
+  OptionList init = add("init", Action::Init);
+  mHost.AddOptions(init);
+  init.Remove("--config");
+  init.Flag("--force", mForce);
+  init.Value("--sequence", mSequence);
+  add("check", Action::Check).Value("--module", mHost.module);
+  add("show", Action::Show).Flag("--json", mJson);
 }
 
 ExitStatus ConfigCommand::Run() const {

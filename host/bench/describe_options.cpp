@@ -1,7 +1,5 @@
 #include "host/bench/describe_options.h"
 
-#include <CLI/CLI.hpp>
-
 #include "host/bench/describe.h"
 #include "host/runtime/text.h"
 
@@ -35,7 +33,7 @@ Examples:
 
 class DescribeCommand final : public Command {
  public:
-  void AddOptions(CLI::App& app) override;
+  void AddOptions(OptionList& options) override;
   std::string Help() const override { return kDescribeHelp; }
   ExitStatus Run() const override { return Describe(Check()); }
 
@@ -47,10 +45,10 @@ class DescribeCommand final : public Command {
   bool mJson = false;
 };
 
-void DescribeCommand::AddOptions(CLI::App& app) {
-  app.add_option("FILE", mFile)->required();
-  app.add_option("--node", mNode);
-  app.add_flag("--json", mJson);
+void DescribeCommand::AddOptions(OptionList& options) {
+  options.Required("FILE", mFile);
+  options.Value("--node", mNode);
+  options.Flag("--json", mJson);
 }
 
 DescribeOptions DescribeCommand::Check() const {

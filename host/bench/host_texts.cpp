@@ -1,7 +1,5 @@
 #include "host/bench/host_texts.h"
 
-#include <CLI/CLI.hpp>
-
 #include <algorithm>
 #include <stdexcept>
 
@@ -129,18 +127,18 @@ bool IsSameFile(const std::filesystem::path& left, const std::filesystem::path& 
 
 }  // namespace
 
-void HostTexts::AddBusOptions(CLI::App& app) {
-  app.add_option("--config", configuration);
-  app.add_option("--can", channels)->allow_extra_args(false);
-  app.add_option("--device", devices)->allow_extra_args(false);
-  app.add_option("--channel", channel);
+void HostTexts::AddBusOptions(OptionList& options) {
+  options.Value("--config", configuration);
+  options.Values("--can", channels);
+  options.Values("--device", devices);
+  options.Value("--channel", channel);
 }
 
-void HostTexts::AddOptions(CLI::App& app) {
-  AddBusOptions(app);
-  app.add_option("--db", databases)->allow_extra_args(false);
-  app.add_option("--variant", variant);
-  app.add_option("--module", module);
+void HostTexts::AddOptions(OptionList& options) {
+  AddBusOptions(options);
+  options.Values("--db", databases);
+  options.Value("--variant", variant);
+  options.Value("--module", module);
 }
 
 std::string DescribeHostOptions() { return kHostHelp + NBuses::DescribeBusKinds(); }

@@ -6,10 +6,7 @@
 #include <vector>
 
 #include "host/bench/host.h"
-
-namespace CLI {
-class App;
-}
+#include "host/bench/option_list.h"
 
 namespace NBench {
 
@@ -20,9 +17,9 @@ struct HostTexts {
   std::optional<std::string> channel, variant, module;
 
   /// --config, --can, --device and --channel.
-  void AddBusOptions(CLI::App& app);
+  void AddBusOptions(OptionList& options);
   /// These and --db, --variant and --module.
-  void AddOptions(CLI::App& app);
+  void AddOptions(OptionList& options);
 };
 
 /// The lines of a help text for the options of AddOptions(), and what buses there are.

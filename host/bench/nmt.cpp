@@ -1,7 +1,5 @@
 #include "host/bench/nmt.h"
 
-#include <CLI/CLI.hpp>
-
 #include <algorithm>
 
 #include "host/bench/console.h"
@@ -120,7 +118,7 @@ void Sender::AddError(std::string text) {
 
 class NmtCommand final : public Command {
  public:
-  void AddOptions(CLI::App& app) override;
+  void AddOptions(OptionList& options) override;
   std::string Help() const override { return kNmtHelp + DescribeHostOptions() + kNmtFooter; }
   HostTexts* Texts() override { return &mHost; }
   ExitStatus Run() const override { return Sender(Check()).Run(); }
@@ -133,11 +131,11 @@ class NmtCommand final : public Command {
   std::vector<std::string> mTargets;
 };
 
-void NmtCommand::AddOptions(CLI::App& app) {
-  mHost.AddOptions(app);
-  app.add_option("COMMAND", mKind)->required();
-  app.add_option("NODE", mTargets)->required();
-  app.add_option("--network", mNetwork);
+void NmtCommand::AddOptions(OptionList& options) {
+  mHost.AddOptions(options);
+  options.Required("COMMAND", mKind);
+  options.Required("NODE", mTargets);
+  options.Value("--network", mNetwork);
 }
 
 NmtOptions NmtCommand::Check() const {

@@ -1,7 +1,5 @@
 #include "host/bench/nodes.h"
 
-#include <CLI/CLI.hpp>
-
 #include <algorithm>
 
 #include "host/bench/console.h"
@@ -125,7 +123,7 @@ std::string ListText(const NodeList& list) {
 
 class NodesCommand final : public Command {
  public:
-  void AddOptions(CLI::App& app) override;
+  void AddOptions(OptionList& options) override;
   std::string Help() const override { return kNodesHelp; }
   HostTexts* Texts() override { return &mHost; }
   ExitStatus Run() const override;
@@ -135,9 +133,9 @@ class NodesCommand final : public Command {
   bool mJson = false;
 };
 
-void NodesCommand::AddOptions(CLI::App& app) {
-  mHost.AddOptions(app);
-  app.add_flag("--json", mJson);
+void NodesCommand::AddOptions(OptionList& options) {
+  mHost.AddOptions(options);
+  options.Flag("--json", mJson);
 }
 
 ExitStatus NodesCommand::Run() const {

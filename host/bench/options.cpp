@@ -81,7 +81,8 @@ std::vector<KnownCommand> AddCommands(CLI::App& app) {
   for (const CommandRow& row : kCommands) {
     CLI::App* const own = app.add_subcommand(row.name);
     known.push_back({row.make(), own});
-    known.back().command->AddOptions(*own);
+    OptionList options(*own);
+    known.back().command->AddOptions(options);
   }
   return known;
 }

@@ -9,10 +9,7 @@
 #include <vector>
 
 #include "host/bench/host_texts.h"
-
-namespace CLI {
-class App;
-}
+#include "host/bench/option_list.h"
 
 namespace NBench {
 
@@ -29,7 +26,7 @@ class Command {
  public:
   virtual ~Command() = default;
   /// Declares its options. What they are set to is kept in the command.
-  virtual void AddOptions(CLI::App& app) = 0;
+  virtual void AddOptions(OptionList& options) = 0;
   virtual std::string Help() const = 0;
   /// Where the options of its host are kept; null: it has none.
   virtual HostTexts* Texts() { return nullptr; }

@@ -1,7 +1,5 @@
 #include "host/bench/play_options.h"
 
-#include <CLI/CLI.hpp>
-
 #include <stdexcept>
 
 #include "host/bench/console.h"
@@ -85,7 +83,7 @@ Examples:
 
 class PlayCommand final : public Command {
  public:
-  void AddOptions(CLI::App& app) override;
+  void AddOptions(OptionList& options) override;
   std::string Help() const override {
     return kPlayHelp + NBuses::DescribeBusKinds() + kPlayFaults + NDevices::DescribeDeviceOptions() +
            kPlayFooter;
@@ -105,19 +103,19 @@ class PlayCommand final : public Command {
   bool mFrames = false, mTransfers = false, mTimes = false, mWords = false, mScan = false;
 };
 
-void PlayCommand::AddOptions(CLI::App& app) {
-  app.add_option("FILE.seq", mSequence);
-  mHost.AddOptions(app);
-  app.add_flag("--cyclic", mCyclic);
-  app.add_option("--for", mDuration);
-  app.add_option("--delay", mDelay);
-  app.add_option("--log", mLog);
-  app.add_flag("--json", mJson);
-  app.add_flag("--frames", mFrames);
-  app.add_flag("--transfers", mTransfers);
-  app.add_flag("--times", mTimes);
-  app.add_flag("--words", mWords);
-  app.add_flag("--scan", mScan);
+void PlayCommand::AddOptions(OptionList& options) {
+  options.Value("FILE.seq", mSequence);
+  mHost.AddOptions(options);
+  options.Flag("--cyclic", mCyclic);
+  options.Value("--for", mDuration);
+  options.Value("--delay", mDelay);
+  options.Value("--log", mLog);
+  options.Flag("--json", mJson);
+  options.Flag("--frames", mFrames);
+  options.Flag("--transfers", mTransfers);
+  options.Flag("--times", mTimes);
+  options.Flag("--words", mWords);
+  options.Flag("--scan", mScan);
 }
 
 PlayOptions PlayCommand::Check() const {

@@ -1,7 +1,5 @@
 #include "host/bench/scan_options.h"
 
-#include <CLI/CLI.hpp>
-
 #include "host/bench/scan.h"
 #include "host/buses/bus_factory.h"
 
@@ -59,7 +57,7 @@ Examples:
 
 class ScanCommand final : public Command {
  public:
-  void AddOptions(CLI::App& app) override;
+  void AddOptions(OptionList& options) override;
   std::string Help() const override { return kScanHelp + NBuses::DescribeBusKinds() + kScanFooter; }
   HostTexts* Texts() override { return &mHost; }
   ExitStatus Run() const override { return Scan(Check()); }
@@ -73,11 +71,11 @@ class ScanCommand final : public Command {
   bool mJson = false;
 };
 
-void ScanCommand::AddOptions(CLI::App& app) {
-  mHost.AddOptions(app);
-  app.add_option("--for", mDuration);
-  app.add_option("--log", mLog);
-  app.add_flag("--json", mJson);
+void ScanCommand::AddOptions(OptionList& options) {
+  mHost.AddOptions(options);
+  options.Value("--for", mDuration);
+  options.Value("--log", mLog);
+  options.Flag("--json", mJson);
 }
 
 ScanOptions ScanCommand::Check() const {

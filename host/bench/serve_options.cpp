@@ -1,4 +1,3 @@
-#include <CLI/CLI.hpp>
 
 #include "host/bench/serve.h"
 #include "host/buses/bus_factory.h"
@@ -45,7 +44,7 @@ Examples:
 
 class ServeCommand final : public Command {
  public:
-  void AddOptions(CLI::App& app) override;
+  void AddOptions(OptionList& options) override;
   std::string Help() const override {
     return kServeHelp + NBuses::DescribeBusKinds() + kServeFaults + NDevices::DescribeDeviceOptions() +
            kServeFooter;
@@ -62,10 +61,10 @@ class ServeCommand final : public Command {
 };
 
 // The server has no module, nor what belongs to one.
-void ServeCommand::AddOptions(CLI::App& app) {
-  mHost.AddBusOptions(app);
-  app.add_option("--listen", mAddress);
-  app.add_option("--for", mDuration);
+void ServeCommand::AddOptions(OptionList& options) {
+  mHost.AddBusOptions(options);
+  options.Value("--listen", mAddress);
+  options.Value("--for", mDuration);
 }
 
 ServeOptions ServeCommand::Check() const {

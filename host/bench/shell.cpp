@@ -1,7 +1,5 @@
 #include "host/bench/shell.h"
 
-#include <CLI/CLI.hpp>
-
 #include <algorithm>
 
 #include "host/bench/console.h"
@@ -194,7 +192,7 @@ void Runner::Tell(const std::string& text) {
 
 class ShellCommand final : public Command {
  public:
-  void AddOptions(CLI::App& app) override;
+  void AddOptions(OptionList& options) override;
   std::string Help() const override { return kShellHelp + DescribeHostOptions() + kShellFooter; }
   HostTexts* Texts() override { return &mHost; }
   ExitStatus Run() const override;
@@ -206,9 +204,9 @@ class ShellCommand final : public Command {
   std::optional<std::string> mScript;
 };
 
-void ShellCommand::AddOptions(CLI::App& app) {
-  mHost.AddOptions(app);
-  app.add_option("SCRIPT", mScript);
+void ShellCommand::AddOptions(OptionList& options) {
+  mHost.AddOptions(options);
+  options.Value("SCRIPT", mScript);
 }
 
 ShellOptions ShellCommand::Check() const {

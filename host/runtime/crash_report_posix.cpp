@@ -10,6 +10,7 @@
 #include <exception>
 
 #include "host/runtime/crash_report.h"
+#include "host/runtime/uncaught_exception.h"
 
 namespace NRuntime {
 namespace {
@@ -78,15 +79,7 @@ void OnCrash(int number) {
 
 // What was thrown is lost once the signal comes.
 [[noreturn]] void OnTerminate() {
-  if (const auto exception = std::current_exception()) {
-    try {
-      std::rethrow_exception(exception);
-    } catch (const std::exception& error) {
-      std::snprintf(gException, sizeof gException, "exception: %s\n", error.what());
-    } catch (...) {
-      std::snprintf(gException, sizeof gException, "exception of an unknown kind\n");
-    }
-  }
+  DescribeUncaughtException(gException, "\n");
   std::abort();
 }
 

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "host/runtime/crash_report.h"
+#include "host/runtime/uncaught_exception.h"
 
 namespace NRuntime {
 namespace {
@@ -104,15 +105,7 @@ LONG WINAPI OnCrash(EXCEPTION_POINTERS* fault) {
 
 // What was thrown is lost once the system's exception comes; an abort would come without one.
 [[noreturn]] void OnTerminate() {
-  if (const auto exception = std::current_exception()) {
-    try {
-      std::rethrow_exception(exception);
-    } catch (const std::exception& error) {
-      std::snprintf(gException, sizeof gException, "exception: %s\r\n", error.what());
-    } catch (...) {
-      std::snprintf(gException, sizeof gException, "exception of an unknown kind\r\n");
-    }
-  }
+  DescribeUncaughtException(gException, "\r\n");
   RaiseException(kAborted, EXCEPTION_NONCONTINUABLE, 0, nullptr);
   std::abort();
 }

@@ -125,24 +125,22 @@ void GeneratorDialog::Arrange() {
 }
 
 void GeneratorDialog::AttachSplitters() {
-  mTreeSplitter.Attach(
-      Control(IDC_IG_SPLIT_TREE), NCommon::Splitter::Bar::Upright,
-      [this](int position) {
-        mTreeShare.MoveTo(position - mLayout.across.begin, mLayout.across.length);
+  using Bar = NCommon::Splitter::Bar;
+  AttachSplitter(mTreeSplitter, IDC_IG_SPLIT_TREE, Bar::Upright, mTreeShare, mLayout.across);
+  AttachSplitter(mListSplitter, IDC_IG_SPLIT_LISTS, Bar::Level, mListShare, mLayout.down);
+}
+
+// The span follows the window's size.
+void GeneratorDialog::AttachSplitter(NCommon::Splitter& splitter, int id, NCommon::Splitter::Bar bar,
+                                     NCommon::SplitPosition& share, const SplitSpan& span) {
+  splitter.Attach(
+      Control(id), bar,
+      [this, &share, &span](int position) {
+        share.MoveTo(position - span.begin, span.length);
         Arrange();
       },
-      [this] {
-        mTreeShare.Reset();
-        Arrange();
-      });
-  mListSplitter.Attach(
-      Control(IDC_IG_SPLIT_LISTS), NCommon::Splitter::Bar::Level,
-      [this](int position) {
-        mListShare.MoveTo(position - mLayout.down.begin, mLayout.down.length);
-        Arrange();
-      },
-      [this] {
-        mListShare.Reset();
+      [this, &share] {
+        share.Reset();
         Arrange();
       });
 }

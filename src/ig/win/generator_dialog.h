@@ -58,6 +58,8 @@ class GeneratorDialog final : public GeneratorView, private NCommon::Dialog, pri
   void Measure();
   void Arrange();
   void AttachSplitters();
+  void AttachSplitter(NCommon::Splitter& splitter, int id, NCommon::Splitter::Bar bar,
+                      NCommon::SplitPosition& share, const SplitSpan& span);
   void RefreshTemplates();
   bool OnButton(int id);
   void ShowButtons();
