@@ -30,7 +30,7 @@ endif()
 
 option(OSTREL_SANITIZE "Address and undefined-behaviour sanitizers" OFF)
 if(OSTREL_SANITIZE)
-  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer -g1)
   add_link_options(-fsanitize=address,undefined)
 endif()
 

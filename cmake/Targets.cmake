@@ -1,6 +1,13 @@
 # One line per folder.
 include(GoogleTest)
 
+# Headers of the standard library that most files include, read once for all of them.
+file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/headers.cpp CONTENT "")  # left alone while it is the same
+add_library(ostrel_headers STATIC EXCLUDE_FROM_ALL ${PROJECT_BINARY_DIR}/headers.cpp)
+target_link_libraries(ostrel_headers PRIVATE ostrel_compile)
+target_precompile_headers(ostrel_headers PRIVATE <algorithm> <chrono> <cstdint> <filesystem> <functional> <memory> <optional>
+  <string> <string_view> <vector>)
+
 # ostrel_library(NAME SOURCES ... [WINDOWS ...] [POSIX ...] [LINKS ...]): a static library of one folder. WINDOWS and
 # POSIX name the files that exist once per platform.
 function(ostrel_library name)
@@ -12,6 +19,7 @@ function(ostrel_library name)
   endif()
   add_library(${name} STATIC ${ARG_SOURCES})
   target_link_libraries(${name} PUBLIC ostrel_compile ${ARG_LINKS})
+  target_precompile_headers(${name} REUSE_FROM ostrel_headers)
 endfunction()
 
 # ostrel_test(NAME [PREFIX TEXT] [LOCK NAME] SOURCES ... [LINKS ...]): a GoogleTest program; each of its tests is one CTest
