@@ -99,6 +99,17 @@ void ChildWindow::Activate() {
   ::SendMessageW(GetParent(Handle()), WM_MDIACTIVATE, reinterpret_cast<WPARAM>(Handle()), 0);
 }
 
+// A click on a control of a window within makes that control the active one, and the frame around it only by
+// this.
+LRESULT ChildWindow::Default(UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message == WM_MOUSEACTIVATE) {
+    const HWND client = GetParent(Handle());
+    const auto active = reinterpret_cast<HWND>(::SendMessageW(client, WM_MDIGETACTIVE, 0, 0));
+    if (active != Handle()) ::SendMessageW(client, WM_MDIACTIVATE, reinterpret_cast<WPARAM>(Handle()), 0);
+  }
+  return DefMDIChildProcW(Handle(), message, wParam, lParam);
+}
+
 int Scaled(int length) {
   static const int dpi = [] {
     const HDC screen = GetDC(nullptr);

@@ -73,9 +73,7 @@ class ChildWindow : public Window {
   /// `client` is the MDI client. `place` has the form left, top, width, height in its coordinates.
   void MakeChild(HWND client, const wchar_t* className, const wchar_t* title, RECT place,
                  bool visible = true);
-  LRESULT Default(UINT message, WPARAM wParam, LPARAM lParam) override {
-    return DefMDIChildProcW(Handle(), message, wParam, lParam);
-  }
+  LRESULT Default(UINT message, WPARAM wParam, LPARAM lParam) override;
 };
 
 /// The icon of the program's file; `kind` is ICON_SMALL or ICON_BIG.
