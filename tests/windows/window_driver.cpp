@@ -104,8 +104,6 @@ void Drag(HWND from, POINT start, HWND to, POINT end) {
   PumpFor(10);
 }
 
-namespace {
-
 std::wstring LabelOf(HWND tree, HTREEITEM entry) {
   wchar_t text[128] = {};
   TVITEMW item = {};
@@ -116,8 +114,6 @@ std::wstring LabelOf(HWND tree, HTREEITEM entry) {
   SendMessageW(tree, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item));
   return text;
 }
-
-}  // namespace
 
 HTREEITEM Choose(HWND tree, std::initializer_list<const wchar_t*> labels) {
   HTREEITEM entry = nullptr;

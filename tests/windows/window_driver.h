@@ -31,6 +31,9 @@ void WithFile(const std::filesystem::path& file, const std::function<void()>& op
 
 /// Drags from a place in one control to a place in another one of the same dialog, which has the capture.
 void Drag(HWND from, POINT start, HWND to, POINT end);
+
+/// Of an entry of a tree.
+std::wstring LabelOf(HWND tree, HTREEITEM entry);
 /// Selects an entry of a tree by its labels, from the root down, and gives the tree the focus. Null: it is
 /// not there.
 HTREEITEM Choose(HWND tree, std::initializer_list<const wchar_t*> labels);

@@ -3,10 +3,10 @@
 
 #include "tests/workbench/win/program.h"
 
-#include <commctrl.h>
-
 #include <fstream>
 #include <iterator>
+
+#include "tests/windows/window_driver.h"
 
 namespace NWorkbenchTest {
 namespace {
@@ -67,12 +67,22 @@ bool Program::Wait(const std::function<bool()>& isSo) {
     if (std::chrono::steady_clock::now() > end) return false;
     if (!PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
       MsgWaitForMultipleObjects(0, nullptr, FALSE, 20, QS_ALLINPUT);
-    } else if (!mWindow->Translate(message)) {
-      TranslateMessage(&message);
-      DispatchMessageW(&message);
+    } else {
+      Handle(message);
     }
   }
   return true;
+}
+
+void Program::Handle(MSG& message) {
+  const auto begin = std::chrono::steady_clock::now();
+  const HWND window = message.hwnd;
+  const UINT kind = message.message;
+  if (!mWindow->Translate(message)) {
+    TranslateMessage(&message);
+    DispatchMessageW(&message);
+  }
+  if (mWatch) mWatch(window, kind, std::chrono::steady_clock::now() - begin);
 }
 
 bool Program::CommandOfMenu(int menu, const std::wstring& caption) {
@@ -110,14 +120,7 @@ std::vector<std::wstring> Program::SetupLines() const {
   std::vector<std::wstring> lines;
   const HWND tree = FindInside(Child(L"OstrelSetup"), WC_TREEVIEWW);
   for (HTREEITEM item = TreeView_GetRoot(tree); item; item = TreeView_GetNextVisible(tree, item)) {
-    wchar_t text[128] = {};
-    TVITEMW data = {};
-    data.mask = TVIF_TEXT;
-    data.hItem = item;
-    data.pszText = text;
-    data.cchTextMax = 128;
-    TreeView_GetItem(tree, &data);
-    lines.emplace_back(text);
+    lines.push_back(NTest::LabelOf(tree, item));
   }
   return lines;
 }

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <atomic>
+#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -27,6 +28,9 @@ class Program {
   /// Handles messages until it is so. False: it has not become so within ten seconds.
   bool Wait(const std::function<bool()>& isSo);
   void Command(int id) { SendMessageW(Main(), WM_COMMAND, static_cast<WPARAM>(id), 0); }
+  /// Is told how long each message has kept the program; its window may be gone by then.
+  using Watch = std::function<void(HWND window, UINT message, std::chrono::nanoseconds time)>;
+  void SetWatch(Watch watch) { mWatch = std::move(watch); }
   /// A command of the module by its caption in a menu, from the left and from 0. False: it is not there.
   bool CommandOfMenu(int menu, const std::wstring& caption);
 
@@ -42,7 +46,10 @@ class Program {
   HWND Child(const wchar_t* className) const;
 
  private:
+  void Handle(MSG& message);
+
   std::unique_ptr<NWorkbench::MainWindow> mWindow;
+  Watch mWatch;
   HWND mMain = nullptr;
 };
 

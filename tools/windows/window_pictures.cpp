@@ -14,8 +14,8 @@
 #include "host/workbench/win/command_ids.h"
 #include "resources/resource_ids.h"
 #include "sdk/generator.h"
-#include "tests/windows/picture.h"
 #include "tests/workbench/win/program.h"
+#include "tools/windows/picture.h"
 
 namespace {
 
@@ -33,7 +33,7 @@ bool gAllWritten = true;
 void Take(HWND window, const std::string& name) {
   RECT area = {};
   GetWindowRect(window, &area);
-  const bool written = window && NTest::SavePicture(area, gFolder / (name + ".bmp"));
+  const bool written = window && NTools::SavePicture(area, gFolder / (name + ".bmp"));
   if (!written) std::fprintf(stderr, "window_pictures: no picture of %s\n", name.c_str());
   gAllWritten = gAllWritten && written;
 }

@@ -1,8 +1,8 @@
-#include "tests/windows/picture.h"
+#include "tools/windows/picture.h"
 
 #include <fstream>
 
-namespace NTest {
+namespace NTools {
 
 bool SavePicture(const RECT& area, const std::filesystem::path& file) {
   BITMAPINFOHEADER header{};
@@ -35,4 +35,4 @@ bool SavePicture(const RECT& area, const std::filesystem::path& file) {
   return static_cast<bool>(stream.flush());
 }
 
-}  // namespace NTest
+}  // namespace NTools

@@ -3,8 +3,8 @@
 #include <cstdio>
 
 #include "com/module_scope.h"
-#include "dialogs_of_library.h"
-#include "tests/windows/picture.h"
+#include "tests/resources/win/dialogs_of_library.h"
+#include "tools/windows/picture.h"
 
 namespace {
 
@@ -40,7 +40,7 @@ int main(int count, char** arguments) {
     const std::string file = std::string(arguments[2]) + "/" + std::to_string(dialog.id) + ".bmp";
     RECT area = {};
     GetWindowRect(dialog.Handle(), &area);
-    if (!NTest::SavePicture(area, file)) {
+    if (!NTools::SavePicture(area, file)) {
       std::fprintf(stderr, "dialog_pictures: '%s' cannot be written\n", file.c_str());
       return 1;
     }

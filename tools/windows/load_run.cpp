@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <map>
 
 #include "host/buses/bus_factory.h"
 #include "host/runtime/asio_loop.h"
@@ -126,6 +127,52 @@ void PressKeys(const std::atomic<bool>& stop) {
   }
 }
 
+// What the program's thread was kept by: each window with each message.
+class Handlings {
+ public:
+  void Add(HWND window, UINT message, std::chrono::nanoseconds time) {
+    Handling& handling = mHandlings[{window, message}];
+    if (handling.name.empty()) handling.name = NameOf(window);
+    const double time_ms = std::chrono::duration<double, std::milli>(time).count();
+    ++handling.count;
+    handling.total_ms += time_ms;
+    handling.longest_ms = std::max(handling.longest_ms, time_ms);
+  }
+  void PrintLongest(std::chrono::seconds span) const {
+    std::vector<std::pair<UINT, Handling>> sorted;
+    for (const auto& [key, handling] : mHandlings) sorted.emplace_back(key.second, handling);
+    std::sort(sorted.begin(), sorted.end(), [](const auto& left, const auto& right) {
+      return left.second.longest_ms > right.second.longest_ms;
+    });
+    sorted.resize(std::min(sorted.size(), kPrinted));
+    for (const auto& [message, handling] : sorted) {
+      std::printf("handled    message %04X of %s: %d times, longest %.1f ms, %.1f %% of the time\n", message,
+                  handling.name.c_str(), handling.count, handling.longest_ms,
+                  handling.total_ms / (10.0 * static_cast<double>(span.count())));
+    }
+  }
+
+ private:
+  static constexpr std::size_t kPrinted = 8;
+  struct Handling {
+    std::string name;
+    int count = 0;
+    double total_ms = 0, longest_ms = 0;
+  };
+
+  static std::string NameOf(HWND window) {
+    std::string name;
+    for (int level = 0; window && level < 2; ++level, window = GetParent(window)) {
+      char part[64] = {};
+      GetClassNameA(window, part, sizeof part);
+      name = part + (name.empty() ? "" : " / " + name);
+    }
+    return name;
+  }
+
+  std::map<std::pair<HWND, UINT>, Handling> mHandlings;
+};
+
 double Megabytes() {
   PROCESS_MEMORY_COUNTERS counters = {};
   GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters);
@@ -155,6 +202,8 @@ int Measure(std::chrono::seconds span, std::uint32_t perSecond) {
   SetForegroundWindow(program.Main());
   program.Command(NWorkbench::kMeasureStart);
   if (!program.Wait([&] { return program.Status(0).find(L"Measuring") == 0; })) return 2;
+  Handlings handlings;
+  program.SetWatch([&](HWND window, UINT message, auto time) { handlings.Add(window, message, time); });
   const HHOOK hook = SetWindowsHookExW(WH_GETMESSAGE, SeeMessage, nullptr, GetCurrentThreadId());
   const double before = Megabytes(), busyBefore = ThreadSeconds();
   server.SendFor(span);
@@ -185,6 +234,7 @@ int Measure(std::chrono::seconds span, std::uint32_t perSecond) {
   std::printf("memory     %.0f MB at the start, %.0f MB in the middle, %.0f MB at the end\n", before, middle,
               Megabytes());
   std::printf("thread     busy %.0f %% of the time\n", 100 * busy / static_cast<double>(span.count()));
+  handlings.PrintLongest(span);
   for (const auto& text : program.Messages()) std::printf("message    %ls\n", text.c_str());
   std::fflush(stdout);
   return rows < std::min(total, 1'000'000) || part(1) > kLongestAnswer_ms ? 1 : 0;
