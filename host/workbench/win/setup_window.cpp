@@ -184,9 +184,11 @@ LRESULT SetupWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
       return OnNotify(*reinterpret_cast<NMHDR*>(lParam));
     case WM_CONTEXTMENU: {
       POINT screen = {GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)};
-      RECT line = {};
-      if (screen.x == -1 && TreeView_GetItemRect(mTree, TreeView_GetSelection(mTree), &line, TRUE)) {
-        screen = {line.left, line.bottom};  // by the keyboard
+      if (screen.x == -1) {  // by the keyboard
+        RECT line = {};
+        if (const HTREEITEM item = TreeView_GetSelection(mTree))
+          TreeView_GetItemRect(mTree, item, &line, TRUE);
+        screen = {line.left, line.bottom};
         ClientToScreen(mTree, &screen);
       }
       mCommands.ShowSetupMenu(screen);

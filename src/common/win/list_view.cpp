@@ -56,11 +56,17 @@ void AnswerText(LVITEMW& item, const std::wstring& text) {
   item.pszText[size] = L'\0';
 }
 
+// Without a row that could be meant: below the headings.
 POINT KeyboardMenuPlace(HWND list) {
   const int row = ListView_GetNextItem(list, -1, LVNI_FOCUSED);
-  RECT area = {};
-  if (row >= 0) ListView_GetItemRect(list, row, &area, LVIR_LABEL);
-  POINT place = {area.left, area.bottom};
+  const int top = ListView_GetTopIndex(list);
+  RECT headings = {}, label = {};
+  GetClientRect(ListView_GetHeader(list), &headings);
+  POINT place = {0, headings.bottom};
+  if (row >= top && row < top + ListView_GetCountPerPage(list) &&
+      ListView_GetItemRect(list, row, &label, LVIR_LABEL)) {
+    place = {label.left, label.bottom};
+  }
   ClientToScreen(list, &place);
   return place;
 }

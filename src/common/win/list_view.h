@@ -25,7 +25,8 @@ std::vector<LPARAM> SelectedData(HWND list);
 /// Answers a virtual list that asks for a text.
 void AnswerText(LVITEMW& item, const std::wstring& text);
 
-/// Where a menu for the keyboard's row opens, on the screen.
+/// Where a menu that is asked for by the keyboard opens, on the screen: at the row with the focus, if it is
+/// in view.
 POINT KeyboardMenuPlace(HWND list);
 
 }  // namespace NCommon

@@ -58,6 +58,8 @@ bool GeneratorDialog::OnInit() {
   AttachSplitters();
   Arrange();
   SetTimer(Window(), kReloadTimer, kReload_ms, nullptr);
+  // The first look at once: the user is to see no empty lists that fill later.
+  PostMessageW(Window(), WM_TIMER, kReloadTimer, 0);
   return true;
 }
 
