@@ -1,3 +1,4 @@
+#include <fcntl.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -7,7 +8,22 @@
 
 namespace NBench {
 
-void PrepareConsole() { std::signal(SIGPIPE, SIG_IGN); }
+namespace {
+
+// A program may be started without some of its standard files. What it opens itself would take their numbers:
+// the loop would be read as input, a log would get what is printed.
+void FillStandardFiles() {
+  int file = open("/dev/null", O_RDONLY);
+  while (file >= 0 && file <= STDERR_FILENO) file = open("/dev/null", O_RDONLY);
+  if (file > STDERR_FILENO) close(file);
+}
+
+}  // namespace
+
+void PrepareConsole() {
+  FillStandardFiles();
+  std::signal(SIGPIPE, SIG_IGN);
+}
 
 std::vector<std::string> CommandLineArguments(int count, char** values) {
   return count > 1 ? std::vector<std::string>(values + 1, values + count) : std::vector<std::string>();

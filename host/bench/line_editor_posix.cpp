@@ -1,7 +1,5 @@
 // Lines at a terminal through libedit. It asks for its characters one by one, and waiting for one runs the
 // loop.
-#include <asio/posix/stream_descriptor.hpp>
-
 #include <histedit.h>
 #include <unistd.h>
 #include <wchar.h>
@@ -15,6 +13,7 @@
 #include <utility>
 
 #include "host/bench/console.h"
+#include "host/bench/input_watch.h"
 #include "host/bench/line_completion.h"
 #include "host/bench/line_history.h"
 #include "host/bench/line_source.h"
@@ -68,14 +67,13 @@ class TerminalSource final : public LineSource {
   Wishes& mWishes;
   Completer mCompleter;
   std::filesystem::path mHistoryFile;  // empty: none
-  asio::posix::stream_descriptor mInput;
+  InputWatch mInput;
   std::unique_ptr<History, EndHistory> mHistory;
   std::unique_ptr<EditLine, EndEditing> mEdit;
   std::string mLast;          // of the history
   std::exception_ptr mFault;  // thrown while a character was waited for
   bool mPlain;                // a terminal without cursor movement
   bool mEditing = false;
-  bool mWaiting = false;
   bool mEnded = false;
   bool mHidden = false;
   std::shared_ptr<bool> mAlive = std::make_shared<bool>(true);  // posted tasks look whether this is gone
@@ -87,7 +85,7 @@ TerminalSource::TerminalSource(NRuntime::AsioLoop& loop, Wishes& wishes, Complet
       mWishes(wishes),
       mCompleter(std::move(completer)),
       mHistoryFile(history),
-      mInput(loop.Context(), dup(STDIN_FILENO)),
+      mInput(loop),
       mHistory(history_init()),
       mPlain(IsPlainTerminal()) {
   std::setlocale(LC_CTYPE, "");  // what a character is
@@ -177,15 +175,9 @@ int TerminalSource::Character(wchar_t& character) {
 }
 
 bool TerminalSource::Byte(char& byte) {
-  if (!std::exchange(mWaiting, true)) {
-    mInput.async_wait(asio::posix::stream_descriptor::wait_read, [this](const std::error_code& error) {
-      if (error == asio::error::operation_aborted) return;  // this is gone
-      mWaiting = false;
-      mLoop.Stop();
-    });
-  }
   const auto wished = [this] { return mWishes.terminated || mWishes.interrupted; };
-  while (mWaiting && !wished()) mLoop.Run();
+  while (!wished() && !mInput.Run()) {
+  }
   ShowAgain();  // what the character changes is drawn where the line stands
   return !wished() && read(STDIN_FILENO, &byte, 1) == 1;
 }

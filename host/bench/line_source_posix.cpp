@@ -1,11 +1,10 @@
-#include <asio/posix/stream_descriptor.hpp>
-
 #include <unistd.h>
 
 #include <cerrno>
 #include <stdexcept>
 #include <utility>
 
+#include "host/bench/input_watch.h"
 #include "host/bench/line_source.h"
 
 namespace NBench {
@@ -14,34 +13,21 @@ namespace {
 // Waits through the loop. Of what cannot be waited for, a file above all, the next bytes are always there.
 class PipeSource final : public LineSource {
  public:
-  PipeSource(NRuntime::AsioLoop& loop, Wishes& wishes)
-      : mLoop(loop), mWishes(wishes), mInput(loop.Context(), dup(STDIN_FILENO)) {}
+  PipeSource(NRuntime::AsioLoop& loop, Wishes& wishes) : mWishes(wishes), mInput(loop) {}
 
   std::optional<std::string> Next() override {
     for (;;) {
       if (mWishes.terminated || mWishes.interrupted) return std::nullopt;
       if (auto line = TakeLine(mText)) return line;
       if (mEnded) return mText.empty() ? std::nullopt : std::optional(std::exchange(mText, {}));
-      Wait();
-      if (!mWaiting) Read();
+      if (mInput.Run()) Read();
     }
   }
 
  private:
-  void Wait() {
-    if (!std::exchange(mWaiting, true)) {
-      mInput.async_wait(asio::posix::stream_descriptor::wait_read, [this](const std::error_code& error) {
-        if (error == asio::error::operation_aborted) return;  // this is gone
-        mWaiting = false;
-        mLoop.Stop();
-      });
-    }
-    mLoop.Run();
-  }
-
   void Read() {
     char bytes[4096];
-    const ssize_t count = read(mInput.native_handle(), bytes, sizeof bytes);
+    const ssize_t count = read(STDIN_FILENO, bytes, sizeof bytes);
     if (count > 0) {
       mText.append(bytes, static_cast<std::size_t>(count));
     } else {
@@ -52,11 +38,9 @@ class PipeSource final : public LineSource {
     }
   }
 
-  NRuntime::AsioLoop& mLoop;
   Wishes& mWishes;
-  asio::posix::stream_descriptor mInput;
+  InputWatch mInput;
   std::string mText;
-  bool mWaiting = false;
   bool mEnded = false;
 };
 

@@ -57,4 +57,10 @@ TEST_F(Interruption, AFullDiskIsNamedAndEndsTheRun) {
   }
 }
 
+TEST_F(Interruption, ClosedStandardFilesAreNotTakenForOthers) {
+  EXPECT_EQ(Shell("timeout 20 " + kProgram + "shell <&- > out.txt"), 0);
+  EXPECT_EQ(Shell("timeout 20 " + kProgram + "play it.seq --cyclic --log it.log >&- 2> err.txt"), 1);
+  EXPECT_THAT(NTest::ReadFile(folder / "it.log"), MatchesRegex("(\\([0-9.]+\\) can1 080#\n)*"));
+}
+
 }  // namespace

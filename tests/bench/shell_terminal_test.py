@@ -98,6 +98,9 @@ def main(program):
     with tempfile.TemporaryDirectory() as state:
         shell = Terminal(program, state, "--device", "5")
         shell.expect(PROMPT)
+        flags = re.search(r"flags:\s*(\d+)", open(f"/proc/{shell.process.pid}/fdinfo/1").read())[1]
+        if int(flags, 8) & os.O_NONBLOCK:  # of the terminal, which is also that of other programs
+            sys.exit("writing to a slow terminal would fail")
         shell.type(b"sta\t\n")  # one candidate: completed
         shell.expect("start")
         shell.expect(PROMPT)
