@@ -3,36 +3,15 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "host/runtime/word_parts.h"
+
 namespace NBuses {
 namespace {
 
+using NRuntime::TakeUpTo;
+
 [[noreturn]] void Refuse(std::string_view word, const std::string& reason) {
   throw std::runtime_error("bus \"" + std::string(word) + "\": " + reason);
-}
-
-// Takes the text up to a separator off the front, and the separator with it.
-std::string_view TakeUpTo(std::string_view& text, char separator) {
-  const std::size_t end = text.find(separator);
-  const std::string_view taken = text.substr(0, end);
-  text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
-  return taken;
-}
-
-// Takes what stands before the options off the front: KIND[:ADDRESS].
-std::string_view TakeHead(std::string_view word, std::string_view& text) {
-  const std::size_t colon = text.find(':');
-  const bool quoted = text.find(',') > colon && text.substr(colon + 1).starts_with('"');
-  if (colon == std::string_view::npos || !quoted) return TakeUpTo(text, ',');
-  const std::size_t first = colon + 2;
-  const std::size_t end = std::min(text.find("\",", first), text.size() - 1);
-  if (end < first || text[end] != '"') Refuse(word, "the quotation mark of the address is not closed");
-  const std::string_view head = text.substr(0, end + 1);
-  text.remove_prefix(std::min(end + 2, text.size()));
-  return head;
-}
-
-std::string_view WithoutQuotes(std::string_view address) {
-  return address.starts_with('"') ? address.substr(1, address.size() - 2) : address;
 }
 
 BusName::Option ParseOption(std::string_view word, std::string_view text) {
@@ -56,11 +35,13 @@ void AddOption(std::string_view word, BusName& name, BusName::Option option) {
 BusName ParseBusName(std::string_view word) {
   const bool trailingComma = !word.empty() && word.back() == ',';
   std::string_view rest = word;
-  std::string_view address = TakeHead(word, rest);
+  const auto head = NRuntime::TakeHead(rest);
+  if (!head) Refuse(word, "the quotation mark of the address is not closed");
+  std::string_view address = *head;
   const bool hasAddress = address.find(':') != std::string_view::npos;
   BusName name;
   name.kind = TakeUpTo(address, ':');
-  name.address = WithoutQuotes(address);
+  name.address = NRuntime::Unquoted(address);
   if (name.kind.empty()) Refuse(word, "a bus is written KIND[:ADDRESS][,OPTION=VALUE...]");
   if (hasAddress && name.address.empty()) Refuse(word, "nothing stands after the colon");
   while (!rest.empty()) AddOption(word, name, ParseOption(word, TakeUpTo(rest, ',')));
@@ -69,10 +50,8 @@ BusName ParseBusName(std::string_view word) {
 }
 
 std::string BusWord(const BusName& name) {
-  const bool quoted = name.address.starts_with('"') || name.address.find(',') != std::string::npos;
-  const std::string quote = quoted ? "\"" : "";
   std::string word = name.kind;
-  if (!name.address.empty()) word += ':' + quote + name.address + quote;
+  if (!name.address.empty()) word += ':' + NRuntime::QuotedIfNeeded(name.address);
   for (const auto& [option, value] : name.options) word += ',' + option + '=' + value;
   return word;
 }

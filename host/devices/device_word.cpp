@@ -7,23 +7,18 @@
 #include <vector>
 
 #include "host/devices/fault_option.h"
+#include "host/runtime/word_parts.h"
 
 namespace NDevices {
 namespace {
+
+using NRuntime::TakeUpTo;
 
 constexpr unsigned kMaxNode = 127;
 constexpr std::size_t kMeaningColumn = 21;  // of the help text
 
 [[noreturn]] void Refuse(std::string_view word, const std::string& reason) {
   throw std::runtime_error("device \"" + std::string(word) + "\": " + reason);
-}
-
-// Takes the text up to a separator off the front, and the separator with it.
-std::string_view TakeUpTo(std::string_view& text, char separator) {
-  const std::size_t end = text.find(separator);
-  const std::string_view taken = text.substr(0, end);
-  text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
-  return taken;
 }
 
 // Decimal, or hexadecimal behind 0x.
@@ -90,13 +85,16 @@ void ReadFault(std::string_view word, std::string_view text, std::vector<std::st
 
 DeviceWord ParseDeviceWord(std::string_view word) {
   std::string_view options = word;
-  std::string_view description = TakeUpTo(options, ',');
-  const bool hasOptions = description.size() != word.size();
-  const bool hasDescription = description.find(':') != std::string_view::npos;
+  const auto head = NRuntime::TakeHead(options);
+  if (!head) Refuse(word, "the quotation mark of the file's name is not closed");
+  const bool hasOptions = head->size() != word.size();
+  const bool hasDescription = head->find(':') != std::string_view::npos;
+  std::string_view description = *head;
   DeviceWord device;
   device.nodeId = ParseNode(word, TakeUpTo(description, ':'));
-  device.description = description;
-  if (hasDescription && description.empty()) Refuse(word, "the name of a file is missing after the colon");
+  device.description = NRuntime::Unquoted(description);
+  if (hasDescription && device.description.empty())
+    Refuse(word, "the name of a file is missing after the colon");
   if (hasOptions && (options.empty() || options.back() == ',')) {
     Refuse(word, "nothing stands after the last comma");
   }
@@ -109,7 +107,7 @@ DeviceWord ParseDeviceWord(std::string_view word) {
 
 std::string DeviceWordText(const DeviceWord& device) {
   std::string text = std::to_string(device.nodeId);
-  if (!device.description.empty()) text += ":" + device.description;
+  if (!device.description.empty()) text += ":" + NRuntime::QuotedIfNeeded(device.description);
   for (const FaultOption& option : FaultOptions()) {
     const std::uint32_t value = option.get(device.faults);
     if (value == option.get(Misbehaviour())) continue;

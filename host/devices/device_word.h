@@ -8,7 +8,7 @@
 namespace NDevices {
 
 /// A simulated device as a user names it: NODE, or NODE:FILE with a description of its objects, and behind it
-/// how it misbehaves: ,OPTION or ,OPTION=VALUE.
+/// how it misbehaves: ,OPTION or ,OPTION=VALUE. A file whose name has a comma stands in double quotes.
 struct DeviceWord {
   unsigned char nodeId = 0;  ///< 1..127
   std::string description;   ///< path of the file in UTF-8, empty = the built-in I/O device

@@ -90,10 +90,15 @@ TEST(DeviceWord, IsTakenApart) {
     int nodeId;
     const char* description;
   };
-  for (const Case& c :
-       {Case{"1", 1, ""}, {"127", 127, ""}, {"005", 5, ""}, {"5:C:\\a b.eds", 5, "C:\\a b.eds"}}) {
-    EXPECT_EQ(ParseDeviceWord(c.word).nodeId, c.nodeId);
-    EXPECT_EQ(ParseDeviceWord(c.word).description, c.description);
+  for (const Case& c : {Case{"1", 1, ""},
+                        {"127", 127, ""},
+                        {"005", 5, ""},
+                        {"5:C:\\a b.eds", 5, "C:\\a b.eds"},
+                        {"5:\"a,b.eds\",silent", 5, "a,b.eds"}}) {
+    const DeviceWord device = ParseDeviceWord(c.word);
+    EXPECT_EQ(device.nodeId, c.nodeId);
+    EXPECT_EQ(device.description, c.description);
+    EXPECT_EQ(ParseDeviceWord(DeviceWordText(device)), device) << c.word;
   }
 }
 
@@ -127,6 +132,8 @@ TEST(DeviceWord, RefusalsNameTheWordAndTheFault) {
       {"five", "no decimal number"},
       {"5:", "missing after the colon"},
       {"5:,silent", "missing after the colon"},
+      {"5:\"\"", "missing after the colon"},
+      {"5:\"a.eds,silent", "is not closed"},
       {"5,", "after the last comma"},
       {"5,silent,", "after the last comma"},
       {"5,,silent", "NAME=VALUE"},
