@@ -9,6 +9,8 @@
 
 namespace NBuses {
 
+class SocketcandConnection;
+
 /// A CAN interface of another machine, reached over TCP in the raw mode of socketcand.
 ///
 /// The first connection is made while the caller waits, unless it has been prepared, so that what is wrong
@@ -26,12 +28,10 @@ class SocketcandClient final : public NRuntime::CanAdapter {
   void Send(const NSdk::CanFrame& frame) override;
 
  private:
-  class Connection;
-
   NRuntime::IoLoop& mLoop;
   const HostAndPort mServer;
   const std::string mInterface;
-  std::shared_ptr<Connection> mConnection;  // shared with what waits for the network; null: closed
+  std::shared_ptr<SocketcandConnection> mConnection;  // shared with what waits; null: closed
 };
 
 }  // namespace NBuses

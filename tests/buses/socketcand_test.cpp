@@ -112,7 +112,9 @@ TEST_F(Socketcand, ClientsHearEachOtherOnTheirBusAlone) {
   EXPECT_THAT(one.received, ElementsAre("7FF#"));
   EXPECT_THAT(one.troubles, ElementsAre(HasSubstr("no remote frames")));
   EXPECT_THAT(three.received, IsEmpty());
+  for (std::uint8_t last = 0; last < 200; ++last) other->Send({0x7FE, {last}, 1});
   other->Close();
+  EXPECT_TRUE(RunUntil([&] { return one.received.size() == 201; })) << "what was sent before still leaves";
   EXPECT_TRUE(RunUntil([&] { return server.Notes().size() == 4; }));
   EXPECT_THAT(server.Notes(), ElementsAre(HasSubstr("opens can1"), HasSubstr("opens can1"),
                                           HasSubstr("opens can2"), HasSubstr("has left")));
