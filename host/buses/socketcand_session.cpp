@@ -97,6 +97,7 @@ void SocketcandSession::OnOpen(std::string_view bus) {
 
 void SocketcandSession::OnRawMode() {
   Write("< ok >");
+  if (mStage == Stage::Gone) return;
   Flush();
   mStage = Stage::Raw;
   mHasJoined = true;
