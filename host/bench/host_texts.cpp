@@ -125,6 +125,20 @@ bool IsSameFile(const std::filesystem::path& left, const std::filesystem::path& 
   return std::filesystem::equivalent(left, right, ignored);
 }
 
+// Every file that the host reads.
+std::vector<std::filesystem::path> FilesOf(const HostOptions& host) {
+  std::vector<std::filesystem::path> files = {host.configuration};
+  for (const ChannelOption& channel : host.channels) {
+    files.insert(files.end(), channel.databases.begin(), channel.databases.end());
+    const NBuses::BusName bus = NBuses::ParseBusName(channel.bus);
+    if (bus.kind == "replay") files.push_back(NRuntime::ToPath(bus.address));
+  }
+  for (const DeviceOption& device : host.devices) {
+    files.push_back(NRuntime::ToPath(device.device.description));
+  }
+  return files;
+}
+
 }  // namespace
 
 void HostTexts::AddBusOptions(OptionList& options) {
@@ -159,12 +173,7 @@ HostOptions CheckHost(const HostTexts& texts) {
 
 std::filesystem::path CheckLog(const std::string& text, const HostOptions& host) {
   std::filesystem::path log = NRuntime::ToPath(text);
-  std::vector<std::filesystem::path> kept = {host.configuration};
-  for (const ChannelOption& channel : host.channels) {
-    kept.insert(kept.end(), channel.databases.begin(), channel.databases.end());
-  }
-  for (const DeviceOption& device : host.devices) kept.push_back(NRuntime::ToPath(device.device.description));
-  for (const std::filesystem::path& file : kept) {
+  for (const std::filesystem::path& file : FilesOf(host)) {
     if (IsSameFile(log, file)) {
       throw std::runtime_error("log " + text + ": this file is a part of what the host is set up with");
     }

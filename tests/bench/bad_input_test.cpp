@@ -97,11 +97,16 @@ TEST_F(BadInput, InFiles) {
   Expect("play " + kGoodFile + "--log " + In("folder"), "folder: cannot be created");
 }
 
-TEST_F(BadInput, ALogNeverReplacesTheFileThatIsPlayed) {
+TEST_F(BadInput, ALogNeverReplacesWhatIsPlayed) {
   NTest::WriteFile(folder / "mine.seq", NTest::ReadFile(OSTREL_SOURCE_DIR "/examples/first-steps.seq"));
-  const std::string before = NTest::ReadFile(folder / "mine.seq");
+  NTest::WriteFile(folder / "mine.log", "(1.000000) can1 123#11\n");
+  const std::string sequence = NTest::ReadFile(folder / "mine.seq");
+  const std::string replay = " --can " + NTest::Quoted("1=replay:" + (folder / "mine.log").string());
   Expect("play " + In("mine.seq") + "--log " + In("mine.seq"), "mine.seq");
-  EXPECT_EQ(NTest::ReadFile(folder / "mine.seq"), before);
+  Expect("play " + In("mine.seq") + "--log " + In("mine.log") + replay, "mine.log");
+  Expect("scan --log " + In("mine.log") + replay, "mine.log");
+  EXPECT_EQ(NTest::ReadFile(folder / "mine.seq"), sequence);
+  EXPECT_EQ(NTest::ReadFile(folder / "mine.log"), "(1.000000) can1 123#11\n");
 }
 
 TEST_F(BadInput, InModules) {
