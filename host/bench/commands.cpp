@@ -4,6 +4,7 @@
 
 #include "host/bench/console.h"
 #include "host/bench/node_document.h"
+#include "host/bench/unobserved.h"
 #include "host/runtime/text.h"
 
 namespace NBench {
@@ -93,11 +94,6 @@ std::string Table(const std::vector<Row>& rows) {
   return text;
 }
 
-class Unobserved final : public NRuntime::MeasurementObserver {
-  void OnFrame(const NRuntime::SeenFrame&) override {}
-  void OnTrouble(std::uint32_t, const std::string&) override {}
-};
-
 class CommandsCommand final : public Command {
  public:
   void AddOptions(OptionList& options) override {
@@ -123,8 +119,7 @@ ExitStatus CommandsCommand::Run() const {
   const std::vector<Row> rows = ReadRows(host.Application().Commands());
   Output output;
   output.Write(mJson ? Document(rows) : Table(rows));
-  if (!output.Reason().empty()) Complain(output.Reason());
-  return quiet && !output.Failed() ? kOk : kFailed;
+  return output.End() && quiet ? kOk : kFailed;
 }
 
 }  // namespace

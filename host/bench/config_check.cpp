@@ -5,6 +5,7 @@
 #include "host/bench/description.h"
 #include "host/bench/generator_block.h"
 #include "host/bench/node_words.h"
+#include "host/bench/unobserved.h"
 #include "host/configuration/document_paths.h"
 #include "host/devices/described_objects.h"
 #include "host/runtime/library_objects.h"
@@ -17,11 +18,6 @@ namespace {
 
 using NRuntime::ComPtr;
 using NRuntime::ReceivedText;
-
-class Unobserved final : public NRuntime::MeasurementObserver {
-  void OnFrame(const NRuntime::SeenFrame&) override {}
-  void OnTrouble(std::uint32_t, const std::string&) override {}
-};
 
 std::string Utf8(const ReceivedText& text) { return NRuntime::ToUtf8(text.Text()); }
 
@@ -188,8 +184,7 @@ ExitStatus CheckConfig(const std::filesystem::path& file,
   if (!Checker(file, options).Check()) return kBadInput;
   Output output;
   output.Write(NRuntime::PathText(file) + ": good, " + Summary(options) + '\n');
-  if (!output.Reason().empty()) Complain(output.Reason());
-  return output.Failed() ? kFailed : kOk;
+  return output.End() ? kOk : kFailed;
 }
 
 }  // namespace NBench

@@ -80,8 +80,7 @@ ExitStatus ShowConfig(const std::filesystem::path& file, bool json) {
   Output output;
   output.Write(json ? DocumentText(nlohmann::ordered_json::parse(NConfiguration::DocumentText(document)))
                     : Text(document));
-  if (!output.Reason().empty()) Complain(output.Reason());
-  return output.Failed() ? kFailed : kOk;
+  return output.End() ? kOk : kFailed;
 }
 
 }  // namespace NBench

@@ -28,6 +28,11 @@ void Output::Write(std::string_view text) {
   if (errno != EPIPE && errno != EINVAL) mReason = std::string("standard output: ") + std::strerror(errno);
 }
 
+bool Output::End() const {
+  if (!mReason.empty()) Complain(mReason);
+  return !mFailed;
+}
+
 void Complain(std::string_view text) { WriteError("ostrel-bench: " + std::string(text)); }
 
 void WriteError(std::string_view line) {

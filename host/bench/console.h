@@ -27,6 +27,8 @@ class Output {
   bool Failed() const { return mFailed; }
   /// Why, for the user; empty when the reader just went away.
   const std::string& Reason() const { return mReason; }
+  /// At the end: tells the user why not all was written. False: it was not.
+  bool End() const;
 
  private:
   bool mFailed = false;

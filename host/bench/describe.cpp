@@ -130,8 +130,7 @@ ExitStatus Describe(const DescribeOptions& options) {
     }
     output.Write(DescriptionText(description));
   }
-  if (!output.Reason().empty()) Complain(output.Reason());
-  return output.Failed() ? kFailed : kOk;
+  return output.End() ? kOk : kFailed;
 }
 
 }  // namespace NBench

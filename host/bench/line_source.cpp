@@ -1,5 +1,6 @@
 #include "host/bench/line_source.h"
 
+#include <algorithm>
 #include <stdexcept>
 #include <utility>
 
@@ -16,13 +17,17 @@ class FileSource final : public LineSource {
   explicit FileSource(std::string text) : mText(std::move(text)) {}
 
   std::optional<std::string> Next() override {
-    if (auto line = TakeLine(mText)) return line;
-    if (mText.empty()) return std::nullopt;
-    return std::exchange(mText, {});
+    if (mAt == mText.size()) return std::nullopt;
+    const std::size_t end = std::min(mText.find('\n', mAt), mText.size());
+    std::string line = mText.substr(mAt, end - mAt);
+    if (!line.empty() && line.back() == '\r') line.pop_back();
+    mAt = std::min(end + 1, mText.size());
+    return line;
   }
 
  private:
-  std::string mText;
+  const std::string mText;
+  std::size_t mAt = 0;  // of the next line
 };
 
 }  // namespace

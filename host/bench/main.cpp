@@ -11,8 +11,7 @@ int Run(const std::vector<std::string>& arguments) {
   if (line.command) return line.command->Run();
   NBench::Output output;
   output.Write(line.text);
-  if (!output.Reason().empty()) NBench::Complain(output.Reason());
-  return output.Failed() ? NBench::kFailed : NBench::kOk;
+  return output.End() ? NBench::kOk : NBench::kFailed;
 }
 
 }  // namespace

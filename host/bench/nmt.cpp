@@ -89,8 +89,7 @@ ExitStatus Sender::Run() {
   mHost.Loop().Run();
   mHost.Measurement().Stop();
   if (mToSend != 0 && !mFailed && !mStopped) AddError("not sent");
-  if (!mOutput.Reason().empty()) Complain(mOutput.Reason());
-  if (mFailed || mOutput.Failed()) return kFailed;
+  if (!mOutput.End() || mFailed) return kFailed;
   return mStopped ? kInterrupted : kOk;
 }
 

@@ -7,6 +7,7 @@
 #include "host/bench/node_list.h"
 #include "host/bench/node_words.h"
 #include "host/bench/text_table.h"
+#include "host/bench/unobserved.h"
 #include "host/runtime/text.h"
 
 namespace NBench {
@@ -45,11 +46,6 @@ Examples:
 )";
 
 using Json = nlohmann::ordered_json;
-
-class Unobserved final : public NRuntime::MeasurementObserver {
-  void OnFrame(const NRuntime::SeenFrame&) override {}
-  void OnTrouble(std::uint32_t, const std::string&) override {}
-};
 
 Json Document(const NodeList& list) {
   Json document = {{"channels", Json::array()}, {"nodes", Json::array()}};
@@ -149,9 +145,9 @@ ExitStatus NodesCommand::Run() const {
   const auto faults = FindFaults(host, list);
   Output output;
   output.Write(mJson ? DocumentText(Document(list)) : ListText(list));
-  if (!output.Reason().empty()) Complain(output.Reason());
+  const bool whole = output.End();
   for (const std::string& line : faults) WriteError(OnScreen(line));
-  return quiet && !output.Failed() ? kOk : kFailed;
+  return quiet && whole ? kOk : kFailed;
 }
 
 }  // namespace

@@ -19,8 +19,9 @@ Usage: ostrel-bench play FILE.seq [OPTIONS]
        ostrel-bench play --config FILE.json [FILE.seq] [OPTIONS]
 
 With a configuration alone, the sequence that its first generator block
-remembers is played. The run ends with the sequence. With --cyclic it goes on until Ctrl+C, or until
-the sequence has stopped the cyclic list. With --for it lasts the time given.
+remembers is played. The run ends with the sequence. With --cyclic it goes on
+until Ctrl+C, or until the sequence has stopped the cyclic list. With --for it
+lasts the time given.
 
 What is sent, and how:
   --config FILE.json Take channels, devices, databases and the generator's settings

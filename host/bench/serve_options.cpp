@@ -1,4 +1,3 @@
-
 #include "host/bench/serve.h"
 #include "host/buses/bus_factory.h"
 
