@@ -1,16 +1,13 @@
 #include "host/bench/shell.h"
 
-#include <algorithm>
+#include <utility>
 
 #include "host/bench/console.h"
 #include "host/bench/generator_block.h"
 #include "host/bench/interrupts.h"
 #include "host/bench/shell_commands.h"
 #include "host/bench/shell_configuration.h"
-#include "host/buses/bus_factory.h"
-#include "host/configuration/document_paths.h"
 #include "host/runtime/text.h"
-#include "sdk/class_ids.h"
 
 namespace NBench {
 namespace {
@@ -39,41 +36,6 @@ Examples:
   sleep 1
   table' | ostrel-bench shell --device 5
 )";
-
-// Keys and values as a configuration in a folder has them. The block has told the way from the folder that
-// the session began in.
-std::vector<NConfiguration::Block::Setting> SavedSettings(const NRuntime::Settings& settings,
-                                                          const std::filesystem::path& folder) {
-  std::vector<NConfiguration::Block::Setting> saved;
-  const std::wstring* const sequence = settings.Find(L"LastCOIGSequenceAbs");
-  for (const auto& [key, value] : settings.Entries()) {
-    saved.emplace_back(NRuntime::ToUtf8(key), NRuntime::ToUtf8(value));
-    if (key != L"LastCOIGSequenceRel" || !sequence || sequence->empty()) continue;
-    const std::filesystem::path file = NRuntime::ToPath(NRuntime::ToUtf8(*sequence));
-    saved.back().second = NRuntime::PathText(file.lexically_relative(folder));
-  }
-  return saved;
-}
-
-// The configuration that the session came from, with the generators as they are now.
-void SaveSession(const ShellSession& session, const std::filesystem::path& from,
-                 const std::filesystem::path& file) {
-  const std::filesystem::path folder = NConfiguration::FolderOf(file);
-  NConfiguration::Document document =
-      NConfiguration::Moved(NConfiguration::Load(from), NConfiguration::FolderOf(from), folder);
-  std::vector<NConfiguration::Block>& blocks = document.blocks;
-  auto next = blocks.begin();
-  const auto isGenerator = [](const NConfiguration::Block& block) {
-    return block.progId == NSdk::kProgIdCANopenIG;
-  };
-  for (const NRuntime::Settings& settings : session.Settings()) {
-    next = std::find_if(next, blocks.end(), isGenerator);
-    if (next == blocks.end()) next = blocks.insert(next, {NSdk::kProgIdCANopenIG});
-    next->settings = SavedSettings(settings, folder);
-    ++next;
-  }
-  NConfiguration::Save(document, file);
-}
 
 struct Input {
   std::optional<std::filesystem::path> script;
@@ -121,10 +83,6 @@ Runner::Runner(const ShellOptions& options, const Input& input)
       mShell{mSession, [this](const std::string& text) { Print(text); },
              [this](const auto& file) { mConfiguration.Save(mSession, file); }} {
   mSource = MakeSource(input);
-  if (options.host.configuration.empty()) return;
-  mShell.save = [this, from = options.host.configuration](const std::optional<std::filesystem::path>& file) {
-    SaveSession(mSession, from, file.value_or(from));
-  };
 }
 
 std::unique_ptr<LineSource> Runner::MakeSource(const Input& input) {
@@ -149,8 +107,7 @@ ExitStatus Runner::Run() {
     if (stopped || mWishes.terminated) return kInterrupted;
     if (mInput.interactive) status = kOk;
   }
-  if (!mOutput.Reason().empty()) Complain(mOutput.Reason());
-  return mOutput.Failed() ? kFailed : status;
+  return mOutput.End() ? status : kFailed;
 }
 
 // What the module and the buses had to say meanwhile counts as well; it was told at once.

@@ -30,6 +30,8 @@ class ShellSession::Generator final : private GeneratorListener {
   bool Does(std::uint32_t activity) const { return (mBlock.Activity() & activity) != 0; }
   std::uint32_t TakeItemsSent() { return std::exchange(mItemsSent, 0); }
 
+  bool cyclicIsWanted = false;  // with the next run
+
  private:
   void OnItemSent(NSdk::GeneratorList list, std::uint32_t) override {
     if (list == NSdk::kSequenceList) ++mItemsSent;
@@ -87,6 +89,7 @@ void ShellSession::Stop() {
   NeedMeasurement();
   mHost.Measurement().Stop();
   mHost.PowerOffDevices();
+  for (const auto& generator : mGenerators) generator->cyclicIsWanted = false;
 }
 
 void ShellSession::NeedMeasurement() {
@@ -111,10 +114,11 @@ std::uint32_t ShellSession::Run() {
   NeedMeasurement();
   Generator& generator = Chosen();
   if (generator.Does(NSdk::kSequenceRunning)) throw ShellFailure("the sequence runs already");
-  if (generator.Block().CountEnabled(NSdk::kSequenceList) == 0) {
+  if (generator.Block().CountEnabled(NSdk::kSequenceList) == 0 && !generator.cyclicIsWanted) {
     throw ShellFailure("nothing to send: the sequence has no enabled items");
   }
   generator.TakeItemsSent();
+  if (std::exchange(generator.cyclicIsWanted, false)) generator.Block().ToggleCyclic();
   generator.Block().ToggleSequence();
   try {
     WaitUntil([&] { return !generator.Does(NSdk::kSequenceRunning); }, std::nullopt);
@@ -125,19 +129,22 @@ std::uint32_t ShellSession::Run() {
   return generator.TakeItemsSent();
 }
 
-// What is asked for begins in a sequence, and only then can it be stopped.
+// The block begins it with a sequence and takes no request back: until then the wish stays here.
 void ShellSession::SetCyclic(bool on) {
   NeedMeasurement();
-  GeneratorBlock& block = Chosen().Block();
-  if (on && block.CountEnabled(NSdk::kCyclicList) == 0) {
+  Generator& generator = Chosen();
+  const bool runs = generator.Does(NSdk::kCyclicRunning);
+  generator.cyclicIsWanted = false;
+  if (!on) {
+    if (runs) generator.Block().ToggleCyclic();
+    return;
+  }
+  if (generator.Block().CountEnabled(NSdk::kCyclicList) == 0) {
     throw ShellFailure("nothing to send: the cyclic list has no enabled items");
   }
-  if (on != Chosen().Does(NSdk::kCyclicRunning)) block.ToggleCyclic();
-  if (Chosen().Does(NSdk::kCyclicRunning)) return;
-  if (on) mOutput.print("cyclic transmission begins with the next run\n");
-  if (!on && Chosen().Does(NSdk::kCyclicRequested)) {
-    throw ShellFailure("cyclic transmission is asked for; it can be stopped once a run has begun it");
-  }
+  if (runs) return;
+  generator.cyclicIsWanted = true;
+  mOutput.print("cyclic transmission begins with the next run\n");
 }
 
 std::vector<NRuntime::Settings> ShellSession::Settings() const {

@@ -55,6 +55,7 @@ class ShellSession final : private NRuntime::MeasurementObserver {
   void Load(const std::filesystem::path& sequence);
   /// Runs the sequence and waits for its end; gives the number of items that were sent.
   std::uint32_t Run();
+  /// Stops cyclic transmission, or lets it begin with the next run.
   void SetCyclic(bool on);
   /// Settings of each generator, as a configuration keeps them.
   std::vector<NRuntime::Settings> Settings() const;

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include <chrono>
+#include <regex>
 #include <thread>
 
 #include "tests/bench/program.h"
@@ -95,6 +96,17 @@ TEST_F(Shell, WhatIsSavedIsThereTheNextTime) {
   const auto again = Run("start\nrun\n", "--config " + file);
   EXPECT_EQ(again.status, 0) << again.errors;
   EXPECT_EQ(again.output, "26 items sent\n");
+  // Under another name that is the configuration from then on, and what the block does not know stays in it.
+  const std::string text = std::regex_replace(NTest::ReadFile(other / "mine.json"), std::regex("\"Name\""),
+                                              "\"Unknown\": \"kept\", \"Name\"");
+  NTest::WriteFile(other / "mine.json", text);
+  const auto moved = Run(
+      "save \"" + (folder / "moved.json").string() + "\"\nload \"" + kPlant + "../first-steps.seq\"\nsave\n",
+      "--config " + file);
+  EXPECT_EQ(moved.status, 0) << moved.errors;
+  EXPECT_EQ(NTest::ReadFile(other / "mine.json"), text);
+  EXPECT_THAT(NTest::ReadFile(folder / "moved.json"),
+              AllOf(HasSubstr("first-steps.seq"), HasSubstr("\"Unknown\": \"kept\"")));
   EXPECT_EQ(Run("save \"" + (folder / "none" / "mine.json").string() + "\"\n", "").status, 1);
 }
 
@@ -107,16 +119,32 @@ TEST_F(Shell, TheDemonstrationIsWhole) {
 }
 
 TEST_F(Shell, CyclicTransmissionGoesOnBehindASequence) {
-  NTest::WriteFile(
-      folder / "it.seq",
-      "<CANopenIG><Sequence><NMT NodeID=\"0\" NMTState=\"1\" Enabled=\"1\"/></Sequence><CyclicMsgs>"
-      "<SYNC COBID=\"0x80\" SendCycle=\"20\" SendDelay=\"0\" Enabled=\"1\"/></CyclicMsgs></CANopenIG>");
-  const auto outcome = Run("start\nload \"" + (folder / "it.seq").string() +
-                               "\"\ncyclic on\nrun\ntrace on\nsleep 0.3\ncyclic off\ntrace off\nsleep 0.1\n",
-                           "");
-  EXPECT_EQ(outcome.status, 0) << outcome.errors;
-  EXPECT_THAT(outcome.output, AllOf(HasSubstr("cyclic transmission begins with the next run\n1 item sent\n"),
-                                    HasSubstr("SYNC\n")));
+  const std::string cyclic =
+      "<CyclicMsgs><SYNC COBID=\"0x80\" SendCycle=\"20\" SendDelay=\"0\" "
+      "Enabled=\"1\"/></CyclicMsgs></CANopenIG>";
+  const std::string wish = "cyclic transmission begins with the next run\n";
+  const std::string start =
+      "<CANopenIG><Sequence><NMT NodeID=\"0\" NMTState=\"1\" Enabled=\"1\"/></Sequence>" + cyclic;
+  const struct {
+    std::string sequence;
+    const char* commands;
+    std::string begin;
+    bool sends;
+  } rows[] = {
+      {start, "cyclic on\nrun\n", wish + "1 item sent\n", true},
+      {start, "cyclic on\ncyclic off\nrun\n", wish + "1 item sent\n", false},
+      {start, "cyclic on\nrun\ncyclic off\n", wish + "1 item sent\n", false},
+      {"<CANopenIG><Sequence/>" + cyclic, "cyclic on\nrun\n", wish + "0 items sent\n", true},
+  };
+  for (const auto& row : rows) {
+    NTest::WriteFile(folder / "it.seq", row.sequence);
+    const auto outcome = Run("start\nload \"" + (folder / "it.seq").string() + "\"\n" + row.commands +
+                                 "trace on\nsleep 0.2\ncyclic off\ntrace off\nsleep 0.1\n",
+                             "");
+    EXPECT_EQ(outcome.status, 0) << outcome.errors;
+    EXPECT_THAT(outcome.output, testing::StartsWith(row.begin)) << row.commands;
+    EXPECT_EQ(outcome.output.find("SYNC\n") != std::string::npos, row.sends) << outcome.output;
+  }
 }
 
 }  // namespace
