@@ -46,6 +46,7 @@ class Reader {
   const IniSection* Commissioning() const;
   std::optional<std::uint32_t> Number(const char* section, const char* key, std::uint32_t most);
   void SortSections();
+  void Place(const IniSection& section, const IniSection*& place);
   void KeepInformation(const IniSection& section);
   void ReadList(const IniSection& list);
   void ReadObject(std::uint16_t index, const Parts& parts);
@@ -120,15 +121,26 @@ void Reader::SortSections() {
   bool saidModules = false;
   for (const IniSection& section : mIni.Sections()) {
     const SectionName name = ParseSectionName(section.name);
-    if (name.kind == SectionKind::Object) mParts[name.index].object = &section;
-    if (name.kind == SectionKind::SubObject) mParts[name.index].subObjects.emplace(name.subindex, &section);
+    if (name.kind == SectionKind::Object) Place(section, mParts[name.index].object);
+    if (name.kind == SectionKind::SubObject) Place(section, mParts[name.index].subObjects[name.subindex]);
     if (name.kind == SectionKind::CompactNames) mParts[name.index].names = &section;
-    if (name.kind == SectionKind::CompactValues) mParts[name.index].values = &section;
+    if (name.kind == SectionKind::CompactValues) Place(section, mParts[name.index].values);
     if (name.kind == SectionKind::Information) KeepInformation(section);
     if (name.kind == SectionKind::Module && !saidModules) {
       saidModules = true;
       Add(kWarnSkipped, section.line, "modules are not read; the device is taken without them");
     }
+  }
+}
+
+// The same index may be written in two ways, [A00] and [0A00].
+void Reader::Place(const IniSection& section, const IniSection*& place) {
+  if (!place) {
+    place = &section;
+  } else {
+    Add(kWarnDuplicate, section.line,
+        "[" + Shortened(section.name) + "] is the same as [" + Shortened(place->name) + "] in line " +
+            std::to_string(place->line) + "; this one is skipped");
   }
 }
 

@@ -299,6 +299,8 @@ TEST_F(Descriptions, WhatIsWrongIsSaidWithWhatWasAssumed) {
       {listed + "pdomapping=0\nPDOMapping=1", kWarnDuplicate,
        "10: \"PDOMapping\" stands in [2000] already; this line is skipped"},
       {listed + object, kWarnDuplicate, "9: [2000] stands in line 4 already; this one is skipped"},
+      {listed + Variable("A00", "5", "") + Variable("0A00", "5", ""), kWarnDuplicate,
+       "14: [0A00] is the same as [A00] in line 9; this one is skipped"},
       {listed + "[M1ModuleInfo]\nProductName=x\n[M2ModuleInfo]\n", kWarnSkipped,
        "9: modules are not read; the device is taken without them"},
       {"[DeviceComissioning]\nNodeID=200\n" + listed, kWarnBadNumber,
