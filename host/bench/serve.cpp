@@ -8,6 +8,7 @@
 #include "host/buses/bus_factory.h"
 #include "host/buses/candump.h"
 #include "host/buses/socketcand_server.h"
+#include "host/configuration/bit_rate.h"
 #include "host/configuration/document_objects.h"
 
 namespace NBench {
@@ -61,7 +62,7 @@ Service::Service(const ServeOptions& options)
 std::vector<NBuses::ServedBus> Service::MakeBuses() {
   std::vector<NBuses::ServedBus> buses;
   for (const ChannelOption& channel : mOptions.host.channels) {
-    buses.push_back({NamesOf(channel), mFactory.Make(channel.bus)});
+    buses.push_back({NamesOf(channel), mFactory.Make(NConfiguration::BusForUse(channel))});
     if (mLoop.SkipsWaits()) {
       throw std::runtime_error("bus \"" + channel.bus +
                                "\": clients go by the real clock; leave out speed=max");
@@ -79,7 +80,7 @@ ExitStatus Service::Run() {
   const auto end = mLoop.MakeAlarm([this] { mLoop.Stop(); });
   if (mOptions.duration) end->SetFor(mLoop.Now() + *mOptions.duration);
   mLoop.Run();
-  if (!mOutput.Reason().empty()) Complain(mOutput.Reason());
+  mOutput.End();
   return kOk;
 }
 

@@ -3,13 +3,17 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "host/configuration/bit_rate.h"
+
 namespace NConfiguration {
 
 std::vector<NRuntime::CanChannel> MakeChannels(NBuses::BusFactory& buses,
                                                const std::vector<Channel>& channels) {
   std::vector<NRuntime::CanChannel> made;
   made.reserve(channels.size());
-  for (const Channel& channel : channels) made.push_back({channel.number, buses.Make(channel.bus)});
+  for (const Channel& channel : channels) {
+    made.push_back({channel.number, buses.Make(BusForUse(channel))});
+  }
   return made;
 }
 
@@ -26,7 +30,8 @@ std::vector<std::unique_ptr<NDevices::DeviceOnBus>> MakeDevices(NRuntime::Loop& 
       throw std::runtime_error("device " + std::to_string(device.device.nodeId) +
                                ": there is no CAN channel " + std::to_string(device.channel));
     }
-    devices.push_back(NDevices::AttachDevice(loop, buses.Make(channel->bus), device.device, libraries));
+    devices.push_back(
+        NDevices::AttachDevice(loop, buses.Make(BusForUse(*channel)), device.device, libraries));
   }
   return devices;
 }

@@ -3,14 +3,10 @@
 #include <cstdint>
 #include <optional>
 
-#include "host/configuration/document.h"
+#include "host/configuration/bit_rate.h"
 #include "host/runtime/can_message.h"
 
 namespace NWorkbench {
-
-/// Bits per second of a channel: those of its bus word, else those of its timing registers with a clock of
-/// 16 MHz. Empty: neither tells.
-std::optional<std::uint32_t> BitRateOf(const NConfiguration::Channel& channel);
 
 /// Frames and bits of one channel.
 class BusLoad {

@@ -61,6 +61,12 @@ NConfiguration::Device ParseDeviceLine(const std::string& line,
 
 }  // namespace
 
+// The rate is that of the registers, where the pages of a module find and change it.
+NConfiguration::Channel NewChannel(std::uint32_t number) {
+  return {number, number == 1 ? "virtual" : "virtual:" + std::to_string(number),
+          NConfiguration::BitTiming{0x03, 0x1C}};
+}
+
 std::string TimingText(const std::optional<NConfiguration::BitTiming>& timing) {
   return timing ? Hex(timing->register0) + " " + Hex(timing->register1) : "";
 }

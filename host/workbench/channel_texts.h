@@ -8,6 +8,9 @@
 
 namespace NWorkbench {
 
+/// A channel as it is added: on a virtual bus of its own, with 125 kbit/s.
+NConfiguration::Channel NewChannel(std::uint32_t number);
+
 /// "03 1C"; empty without a timing.
 std::string TimingText(const std::optional<NConfiguration::BitTiming>& timing);
 /// Throws std::runtime_error: it is neither empty nor two bytes in hexadecimal.

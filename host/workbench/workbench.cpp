@@ -6,6 +6,7 @@
 #include "host/configuration/document_paths.h"
 #include "host/runtime/persistence.h"
 #include "host/runtime/text.h"
+#include "host/workbench/channel_texts.h"
 
 namespace NWorkbench {
 namespace {
@@ -56,7 +57,7 @@ void Workbench::New(const NConfiguration::Document& settings) {
   CloseHost();
   mFile.clear();
   NConfiguration::Document document = settings;
-  document.channels = {{1, "virtual,bitrate=125000"}};
+  document.channels = {NewChannel(1)};
   document.devices.clear();
   document.blocks.clear();
   mDocument = std::move(document);

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "host/configuration/bit_rate.h"
 #include "host/configuration/document_text.h"
 
 namespace {
@@ -55,6 +56,25 @@ TEST(Document, TakesWhatPeopleWrite) {
   EXPECT_EQ(parsed.document.channels.at(0).timing, (BitTiming{15, 28}));
   EXPECT_EQ(parsed.document.devices.at(0).device.faults.abort, NDevices::AbortCode{1});
   EXPECT_FALSE(parsed.document.devices.at(0).device.faults.silent);
+}
+
+TEST(Document, TheBitRateOfAChannelComesFromItsBusOrItsRegisters) {
+  const struct {
+    Channel channel;
+    std::optional<std::uint32_t> rate;
+    const char* bus;
+  } rows[] = {
+      {{1, "virtual,bitrate=125000", BitTiming{0x00, 0x14}}, 125000, "virtual,bitrate=125000"},
+      {{1, "virtual:\"a,b\"", BitTiming{0x00, 0x14}}, 1000000, "virtual:\"a,b\",bitrate=1000000"},
+      {{1, "virtual", BitTiming{0x43, 0x2F}}, 100000, "virtual,bitrate=100000"},
+      {{1, "virtual", BitTiming{0x00, 0x00}}, std::nullopt, "virtual"},
+      {{1, "virtual"}, std::nullopt, "virtual"},
+      {{1, "socketcan:can0", BitTiming{0x00, 0x14}}, 1000000, "socketcan:can0"},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(BitRateOf(row.channel), row.rate) << row.channel.bus;
+    EXPECT_EQ(BusForUse(row.channel), row.bus);
+  }
 }
 
 // A configuration with one value replaced by another text.

@@ -45,13 +45,6 @@ TEST(ChannelTexts, TimingIsTwoBytesOrNothing) {
     EXPECT_THROW(ParseTiming(text), std::runtime_error);
 }
 
-TEST(ChannelTexts, TheBitRateComesFromTheBusOrTheRegisters) {
-  EXPECT_EQ(BitRateOf({1, "virtual,bitrate=125000", NConfiguration::BitTiming{0x00, 0x14}}), 125000u);
-  EXPECT_EQ(BitRateOf({1, "virtual", NConfiguration::BitTiming{0x00, 0x14}}), 1000000u);
-  EXPECT_EQ(BitRateOf({1, "virtual", NConfiguration::BitTiming{0x43, 0x2F}}), 100000u);
-  EXPECT_EQ(BitRateOf({1, "virtual"}), std::nullopt);
-}
-
 TEST(ChannelTexts, TheLoadIsThatOfTheLastSpan) {
   BusLoad load(100000);
   NRuntime::SeenFrame seen;

@@ -356,7 +356,7 @@ void ChannelsDialog::AddChannel() {
   auto& channels = mDocument.channels;
   while (std::any_of(channels.begin(), channels.end(), isTaken)) ++number;
   if (number > 255) return;
-  channels.push_back({number, "virtual:" + std::to_string(number) + ",bitrate=125000"});
+  channels.push_back(NewChannel(number));
   ShowList();
   ShowChannel(static_cast<int>(channels.size()) - 1);
   SetFocus(Control(kBus));
