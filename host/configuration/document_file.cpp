@@ -82,7 +82,7 @@ void Replace(const std::filesystem::path& target, const std::string& text,
   if (!error) error = RenameOver(temporary, target);
   if (!error) return;
   std::error_code ignored;
-  std::filesystem::remove(temporary, ignored);
+  if (error != std::errc::file_exists) std::filesystem::remove(temporary, ignored);  // else somebody else's
   RefuseToSave(named, error.message());
 }
 
