@@ -10,7 +10,8 @@ constexpr std::size_t kMostAtOnce = 200;  // frames, in one task
 
 struct RunningBlock {
   ComPtr<NSdk::IRTClient> client;
-  ComPtr<NSdk::ICANEvents> canEvents;  // empty: the block does not want frames
+  ComPtr<NSdk::ICANEvents> canEvents;      // empty: the block does not want frames
+  ComPtr<NSdk::IMSTransferNode> transfer;  // empty: whatever comes to the block goes on behind it
 };
 
 // A block of a line says which events it takes; any other takes what it implements.
@@ -156,7 +157,8 @@ void Measurement::StartBlocks(const std::vector<ComPtr<IUnknown>>& blocks) {
     if (FAILED(client->StartMeasurement(mRun->runTime.Get()))) {
       throw std::runtime_error("block " + std::to_string(position + 1) + " refuses to start the measurement");
     }
-    mRun->blocks.push_back({client, WantedCanEvents(blocks[position])});
+    mRun->blocks.push_back(
+        {client, WantedCanEvents(blocks[position]), Query<NSdk::IMSTransferNode>(blocks[position])});
   }
 }
 
@@ -257,7 +259,9 @@ void Measurement::DeliverToBlocks(Run& run, const SeenFrame& seen) {
   // By position: a block may stop the measurement from inside the call.
   for (std::size_t position = 0; position < run.blocks.size(); ++position) {
     const auto events = run.blocks[position].canEvents;
+    const auto transfer = run.blocks[position].transfer;
     if (events) events->OnCanMessage(message.Get());
+    if (transfer && transfer->Passes(NSdk::kBlockTakesCan) == S_FALSE) break;
   }
   if (run.owner) run.message = message;
 }

@@ -37,8 +37,9 @@ class MeasurementObserver {
 
 /// Runs blocks on the channels of a configuration.
 ///
-/// Frames reach the blocks from the loop, never from inside a call that a block makes: a block that sends
-/// does not see its own frame before the call returns.
+/// Frames reach the blocks in their order and from the loop, never from inside a call that a block makes: a
+/// block that sends does not see its own frame before the call returns. One that data passes through may keep
+/// a frame from the blocks behind it.
 class Measurement {
  public:
   Measurement(Loop& loop, std::vector<CanChannel> channels, MeasurementObserver& observer);

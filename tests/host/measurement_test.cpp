@@ -16,7 +16,8 @@ using testing::IsEmpty;
 constexpr NSdk::CanFrame kFrame = {0x123, {0x11, 0x22}, 2};
 
 // A small block: notes what the host does with it, and sends when it is told to.
-class Block final : public NRuntime::Implements<NSdk::IRTClient, NSdk::ICANEvents, NSdk::IMSFinalNode> {
+class Block final : public NRuntime::Implements<NSdk::IRTClient, NSdk::ICANEvents, NSdk::IMSFinalNode,
+                                                NSdk::IMSTransferNode> {
  public:
   HRESULT STDMETHODCALLTYPE StartMeasurement(NSdk::IRuntime* newRunTime) override {
     notes.push_back("start");
@@ -51,7 +52,12 @@ class Block final : public NRuntime::Implements<NSdk::IRTClient, NSdk::ICANEvent
     return S_OK;
   }
 
+  HRESULT STDMETHODCALLTYPE Passes(std::uint32_t event) override {
+    return event == NSdk::kBlockTakesCan && swallows ? S_FALSE : S_OK;
+  }
+
   std::uint32_t channel = 1;
+  bool swallows = false;
   bool refuses = false;
   bool takesCan = true;
   bool lastWords = false;
@@ -94,6 +100,20 @@ TEST_F(Measurements, FramesOfOneBusReachEveryBlockFromTheLoop) {
   EXPECT_THAT(sender->notes, ElementsAre("start", "can1 T 123#1122 7", "can2 R 123#1122 7", "stop"));
   EXPECT_THAT(deaf->notes, ElementsAre("start", "stop"));
   EXPECT_THAT(seenOn, ElementsAre(1, 2));
+}
+
+TEST_F(Measurements, ABlockMayKeepFramesFromThoseBehindIt) {
+  NRuntime::Measurement measurement(loop, Channels({"virtual"}), *this);
+  const auto first = NRuntime::Make<Block>(), second = NRuntime::Make<Block>();
+  measurement.Start(
+      {static_cast<NSdk::IRTClient*>(first.Get()), static_cast<NSdk::IRTClient*>(second.Get())});
+  for (const bool swallows : {true, false}) {
+    first->swallows = swallows;
+    first->output->Transmit(&kFrame);
+    loop.RunFor(1ms);
+  }
+  EXPECT_EQ(first->messages.size(), 2u);
+  EXPECT_EQ(second->messages.size(), 1u);
 }
 
 TEST_F(Measurements, ABlockThatRefusesStopsThoseBeforeIt) {
