@@ -1,10 +1,13 @@
 #include "host/runtime/text.h"
 
+#include <type_traits>
+
 namespace NRuntime {
 namespace {
 
 constexpr char32_t kReplacement = 0xFFFD;
 constexpr bool kWideIsUtf16 = sizeof(wchar_t) == 2;
+constexpr bool kPathsAreWide = std::is_same_v<std::filesystem::path::value_type, wchar_t>;
 
 bool IsSurrogate(char32_t code) { return code >= 0xD800 && code <= 0xDFFF; }
 
@@ -83,13 +86,15 @@ std::string ToUtf8(std::wstring_view wide) {
   return utf8;
 }
 
+// The library's own conversions throw where a path is wide and the text is malformed.
 std::filesystem::path ToPath(std::string_view utf8) {
-  return std::filesystem::path(std::u8string(utf8.begin(), utf8.end()));
+  if constexpr (kPathsAreWide) return ToWide(utf8);
+  return std::string(utf8);
 }
 
 std::string PathText(const std::filesystem::path& path) {
-  const std::u8string text = path.u8string();
-  return std::string(text.begin(), text.end());
+  if constexpr (kPathsAreWide) return ToUtf8(path.wstring());
+  return path.string();
 }
 
 }  // namespace NRuntime

@@ -17,7 +17,11 @@ TEST(Text, PassesBothWaysAndReplacesWhatIsMalformed) {
       {"a\xFFz", L"a\xFFFDz"}, {"\xE2\x82", L"\xFFFD"},     {"\xC0\x80", L"\xFFFD\xFFFD"},
       {"\xC3", L"\xFFFD"},     {"\xED\xA0\x80", L"\xFFFD"}, {"\xE2(", L"\xFFFD("},
   };
-  for (const auto& [bytes, wide] : malformed) EXPECT_EQ(NRuntime::ToWide(bytes), wide);
+  for (const auto& [bytes, wide] : malformed) {
+    EXPECT_EQ(NRuntime::ToWide(bytes), wide);
+    EXPECT_NO_THROW(NRuntime::PathText(NRuntime::ToPath(bytes)));
+  }
+  EXPECT_EQ(NRuntime::PathText(NRuntime::ToPath(text)), text);
 }
 
 TEST(Settings, KeepTheirOrderAndAnswerForMissingKeys) {

@@ -24,6 +24,7 @@ std::filesystem::path ProgramFolder() {
 std::vector<std::wstring> Arguments() {
   int count = 0;
   wchar_t** const values = CommandLineToArgvW(GetCommandLineW(), &count);
+  if (!values) return {};
   const std::vector<std::wstring> arguments(values + 1, values + count);
   LocalFree(values);
   return arguments;
