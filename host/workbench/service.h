@@ -4,7 +4,7 @@
 
 namespace NWorkbench {
 
-/// What a frame is for, by the identifiers of the predefined connection set (CiA 301, 7.3.5).
+/// What a frame is for, by the identifiers of the pre-defined connection set (CiA 301, 7.3.3).
 enum class Service : std::uint8_t { Nmt, Sync, Emergency, Time, Pdo, Sdo, Heartbeat, Lss, Other };
 inline constexpr int kServices = 9;
 
