@@ -5,6 +5,7 @@
 #include "com/task_text.h"
 #include "common/host_application.h"
 #include "common/host_library.h"
+#include "common/text.h"
 #include "common/user_messages.h"
 #include "resources/print.h"
 #include "resources/resource_ids.h"
@@ -35,7 +36,8 @@ NSdk::DllCreateDBManagerExFunction FindFactory() {
   const auto factory = library->Find<NSdk::DllCreateDBManagerExFunction>(kExport);
   if (!factory && first) {
     const std::wstring text = NResources::LoadText(IDS_DATABASE_LIBRARY_MISSING);
-    NCommon::ShowUserMessage(NResources::Print(text, library->File().wstring()), NSdk::kMessageExclamation);
+    NCommon::ShowUserMessage(NResources::Print(text, NCommon::PathToWide(library->File())),
+                             NSdk::kMessageExclamation);
   }
   return factory;
 }

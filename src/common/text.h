@@ -18,6 +18,12 @@ std::filesystem::path ItemTextToPath(std::string_view itemText);
 /// The reverse.
 std::string PathToItemText(const std::filesystem::path& path);
 
+/// Path that wide text names. Where paths are bytes they are UTF-8; std::filesystem::path itself would refuse
+/// every character beyond ASCII there.
+std::filesystem::path WideToPath(std::wstring_view text);
+/// The reverse.
+std::wstring PathToWide(const std::filesystem::path& path);
+
 /// UTF-8 to wide text (UTF-16 or UTF-32, as wide as wchar_t is). Each ill-formed sequence becomes one U+FFFD:
 /// a truncated one as far as it could have become a character, any other byte by itself.
 std::wstring FromUtf8(std::string_view text);

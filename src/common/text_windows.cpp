@@ -36,4 +36,7 @@ std::string ToItemText(std::wstring_view text) {
 std::filesystem::path ItemTextToPath(std::string_view itemText) { return ToWide(itemText); }
 std::string PathToItemText(const std::filesystem::path& path) { return ToItemText(path.native()); }
 
+std::filesystem::path WideToPath(std::wstring_view text) { return text; }
+std::wstring PathToWide(const std::filesystem::path& path) { return path.native(); }
+
 }  // namespace NCommon

@@ -35,7 +35,8 @@ bool ReadFrame(NSdk::ICANMessage& message, NSdk::CanFrame& frame) {
 std::filesystem::path ConfigurationFile() {
   NCom::TaskText path;
   const auto configuration = NCommon::HostService<NSdk::IConfigurationService>();
-  return configuration && configuration->GetPath(path.Receive()) == S_OK ? path.Text() : std::wstring();
+  if (!configuration || configuration->GetPath(path.Receive()) != S_OK) return {};
+  return NCommon::WideToPath(path.Text());
 }
 
 }  // namespace
@@ -45,7 +46,9 @@ ZCANopenIGNode::ZCANopenIGNode() : mGenerator(*this, *this) {
   BlockCreated(*this);
 }
 
+// A host that drops the block in the middle of a transfer hears of its end as long as the block is whole.
 ZCANopenIGNode::~ZCANopenIGNode() {
+  mGenerator.StopMeasurement();
   CloseWindow();
   BlockDestroyed(*this);
 }
@@ -57,6 +60,7 @@ std::uint32_t ZCANopenIGNode::Channel() const {
 template <class Body>
 HRESULT ZCANopenIGNode::ActivityEntry(Body&& body) {
   return NCom::Entry([&]() -> HRESULT {
+    const NCom::ComPtr<ZCANopenIGNode> self(this);  // behind a message box the host may let go of the block
     const std::uint32_t before = mGenerator.Activity();
     const HRESULT result = body();
     // Copied: the host may replace its events while it hears of this one.
@@ -205,10 +209,11 @@ HRESULT ZCANopenIGNode::LoadSequence(const wchar_t* path, wchar_t** reason) {
   return NCom::Entry([&]() -> HRESULT {
     if (!path) return E_POINTER;
     if (mGenerator.Activity() != 0) return E_FAIL;
+    const std::filesystem::path file = NCommon::WideToPath(path);
     NCanopen::ItemList sequence;
     NCanopen::ItemList cyclic;
     std::string fault;
-    if (!LoadSequenceFile(path, sequence, cyclic, &mHexDisplay, &fault)) {
+    if (!LoadSequenceFile(file, sequence, cyclic, &mHexDisplay, &fault)) {
       if (reason) NCom::HandOut(NCommon::ToWide(fault), reason);
       return E_FAIL;
     }
@@ -217,7 +222,7 @@ HRESULT ZCANopenIGNode::LoadSequence(const wchar_t* path, wchar_t** reason) {
     mEditing.Forget();
     for (const auto list : {NSdk::kSequenceList, NSdk::kCyclicList}) mResults.Clear(list);
     if (mView) mView->ListsReplaced();
-    RememberSequence(path);
+    RememberSequence(file);
     return S_OK;
   });
 }
@@ -225,13 +230,15 @@ HRESULT ZCANopenIGNode::LoadSequence(const wchar_t* path, wchar_t** reason) {
 HRESULT ZCANopenIGNode::SaveSequence(const wchar_t* path, wchar_t** reason) {
   return NCom::Entry([&]() -> HRESULT {
     if (!path) return E_POINTER;
+    const std::filesystem::path file = NCommon::WideToPath(path);
     std::string fault;
-    SaveSequenceFile(path, mGenerator.List(NSdk::kSequenceList), mGenerator.List(NSdk::kCyclicList), &fault);
+    bool written = false;
+    SaveSequenceFile(file, mGenerator.List(NSdk::kSequenceList), mGenerator.List(NSdk::kCyclicList), &fault,
+                     &written);
     if (!fault.empty() && reason) NCom::HandOut(NCommon::ToWide(fault), reason);
-    std::error_code ignored;
-    if (!std::filesystem::exists(path, ignored)) return E_FAIL;
+    if (!written) return E_FAIL;
     mEditing.MarkSaved();
-    RememberSequence(path);
+    RememberSequence(file);
     return fault.empty() ? S_OK : S_FALSE;
   });
 }
@@ -249,7 +256,7 @@ HRESULT ZCANopenIGNode::ReloadSequence() {
     if (!NCommon::HostService<NSdk::IConfigurationService>()) return S_FALSE;
     const std::filesystem::path path = mSettings.sequence.Resolve(ConfigurationFile());
     if (path.empty()) return S_FALSE;
-    const std::wstring text = path.wstring();
+    const std::wstring text = NCommon::PathToWide(path);
     if (SUCCEEDED(LoadSequence(text.c_str(), nullptr))) return S_OK;
     TellThatLoadingFailed(text);
     return E_FAIL;

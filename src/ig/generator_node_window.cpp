@@ -3,6 +3,7 @@
 #include "com/entry.h"
 #include "com/task_text.h"
 #include "common/host_application.h"
+#include "common/text.h"
 #include "common/user_messages.h"
 #include "ig/generator_node.h"
 #include "ig/settings_dialog.h"
@@ -63,7 +64,7 @@ std::wstring ZCANopenIGNode::Caption() const {
   const std::uint32_t channel = mSettings.numbers.channel;
   if (mShowsOutput) return NResources::Print(NResources::LoadText(IDS_IG_OUTPUT), channel);
   const std::wstring file =
-      mSequencePath.empty() ? NResources::LoadText(IDS_IG_UNTITLED) : mSequencePath.wstring();
+      mSequencePath.empty() ? NResources::LoadText(IDS_IG_UNTITLED) : NCommon::PathToWide(mSequencePath);
   return NResources::Print(NResources::LoadText(IDS_IG_CAPTION), channel, file);
 }
 
@@ -85,7 +86,8 @@ bool ZCANopenIGNode::EditItem(NCanopen::ZMsgItemInfo& item, NSdk::GeneratorList 
 
 bool ZCANopenIGNode::OpenSequence(void* parentWindow) {
   if (!ConfirmUnsaved(parentWindow)) return false;
-  const std::wstring path = ChooseSequenceFile(parentWindow, /*saving=*/false, mSequencePath.wstring());
+  const std::wstring path =
+      ChooseSequenceFile(parentWindow, /*saving=*/false, NCommon::PathToWide(mSequencePath));
   if (path.empty()) return false;
   if (SUCCEEDED(LoadSequence(path.c_str(), nullptr))) return true;
   TellThatLoadingFailed(path);
@@ -93,7 +95,8 @@ bool ZCANopenIGNode::OpenSequence(void* parentWindow) {
 }
 
 bool ZCANopenIGNode::SaveSequenceAs(void* parentWindow) {
-  const std::wstring path = ChooseSequenceFile(parentWindow, /*saving=*/true, mSequencePath.wstring());
+  const std::wstring path =
+      ChooseSequenceFile(parentWindow, /*saving=*/true, NCommon::PathToWide(mSequencePath));
   if (path.empty()) return false;
   NCom::TaskText reason;
   const HRESULT result = SaveSequence(path.c_str(), reason.Receive());

@@ -2,8 +2,8 @@
 // The sequence file: both message lists of a generator block as XML.
 //
 //   <CANopenIG>
-//     <Sequence>    one element per item, named after its kind, e.g. <PAUSE PauseMilliSec="1000"
-//     Enabled="1"/> <CyclicMsgs>  the same with the attributes SendCycle and SendDelay
+//     <Sequence>    one element per item, named after its kind: <PAUSE PauseMilliSec="1000" Enabled="1"/>
+//     <CyclicMsgs>  the same with the attributes SendCycle and SendDelay
 //
 // Which attributes a kind has stands in the field tables of canopen/item_kinds.cpp. The XML library writes
 // them sorted by name; their order means nothing.
@@ -28,8 +28,10 @@ inline constexpr std::uintmax_t kMaxSequenceFileSize = 64u << 20;
 /// Returns 1, also when nothing could be written; 0 only when the XML document has no root element. `fault`
 /// (may be null) is emptied, or says what does not stand in the file as it should: no file at all, which is
 /// the case after every failed write, since what was begun is removed again; or replaced characters.
+/// `written` (may be null) tells the two apart: whether the lists stand in the file. What could not be
+/// deleted or opened is still there when they do not.
 int SaveSequenceFile(const std::filesystem::path& path, const NCanopen::ItemList& sequence,
-                     const NCanopen::ItemList& cyclic, std::string* fault = nullptr);
+                     const NCanopen::ItemList& cyclic, std::string* fault = nullptr, bool* written = nullptr);
 
 /// Appends the items of the file to the lists; `hexDisplay` is the display switch of the block that owns
 /// them.

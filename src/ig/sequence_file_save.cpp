@@ -1,5 +1,5 @@
-
 #include <fstream>
+#include <memory>
 #include <system_error>
 #include <xercesc/dom/DOM.hpp>
 #include <xercesc/framework/XMLFormatter.hpp>
@@ -131,7 +131,7 @@ bool Write(xercesc::DOMLSSerializer& serializer, const xercesc::DOMDocument& doc
 
 // As SaveSequenceFile, with the library set up and room made for the file.
 int SaveDocument(const std::filesystem::path& path, const NCanopen::ItemList& sequence,
-                 const NCanopen::ItemList& cyclic, std::string& fault) {
+                 const NCanopen::ItemList& cyclic, std::string& fault, bool& written) {
   auto* implementation = xercesc::DOMImplementationRegistry::getDOMImplementation(FromAscii("LS").c_str());
   const Released<xercesc::DOMLSSerializer> serializer(implementation->createLSSerializer());
   serializer->setNewLine(kNewLine);
@@ -147,8 +147,9 @@ int SaveDocument(const std::filesystem::path& path, const NCanopen::ItemList& se
   FileTarget target(path);
   if (!target.IsOpen()) {
     fault = "the file cannot be created";
-  } else if (!Write(*serializer, *document, *implementation, target) || !target.Complete()) {
-    fault = "the file cannot be written completely";
+  } else {
+    written = Write(*serializer, *document, *implementation, target) && target.Complete();
+    if (!written) fault = "the file cannot be written completely";
   }
   return 1;
 }
@@ -156,18 +157,20 @@ int SaveDocument(const std::filesystem::path& path, const NCanopen::ItemList& se
 }  // namespace
 
 int SaveSequenceFile(const std::filesystem::path& path, const NCanopen::ItemList& sequence,
-                     const NCanopen::ItemList& cyclic, std::string* fault) {
+                     const NCanopen::ItemList& cyclic, std::string* fault, bool* written) {
   std::string unasked;
   std::string& text = fault != nullptr ? *fault : unasked;
   text.clear();
+  bool complete = false;
   int result = 1;
   if (path.empty()) {
     text = "the file has no name";
   } else if (!MakeRoom(path)) {
     text = "something that is not a file has this name";
   } else {
-    WithXmlLibrary(text, [&] { result = SaveDocument(path, sequence, cyclic, text); });
+    WithXmlLibrary(text, [&] { result = SaveDocument(path, sequence, cyclic, text, complete); });
   }
+  if (written != nullptr) *written = complete;
   return result;
 }
 

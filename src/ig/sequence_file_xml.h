@@ -16,8 +16,8 @@ namespace NIg {
 /// or a lack of memory throws.
 bool WithXmlLibrary(std::string& fault, const std::function<void()>& action);
 
-// A sequence file is flat and plain. These bounds lie far above any list of messages (there is room for 200
-// 000 items) and keep a hostile file from filling memory and time; the library looks names up in lists.
+// A sequence file is flat and plain. These bounds lie far above any list of messages (there is room for
+// 200 000 items) and keep a hostile file from filling memory and time; the library looks names up in lists.
 inline constexpr unsigned kMaxXmlDepth = 100;
 inline constexpr std::size_t kMaxXmlNodes = 3'000'000;  // elements and attributes
 inline constexpr std::size_t kMaxXmlAttributes = 100;   // of one element

@@ -4,6 +4,7 @@
 #include "com/implements.h"
 #include "com/task_text.h"
 #include "common/array.h"
+#include "common/text.h"
 
 namespace NPlugin {
 namespace {
@@ -27,7 +28,8 @@ class ZDatabaseNode final : public NCom::Implements<NSdk::IDatabaseNode> {
   HRESULT STDMETHODCALLTYPE GetDescription(wchar_t** path) override {
     return NCom::Entry([&]() -> HRESULT {
       if (!path) return E_POINTER;
-      return mNode.description.empty() ? S_FALSE : NCom::HandOut(mNode.description.wstring(), path);
+      if (mNode.description.empty()) return S_FALSE;
+      return NCom::HandOut(NCommon::PathToWide(mNode.description), path);
     });
   }
 

@@ -33,14 +33,14 @@ std::filesystem::path ConfiguratorFolder() {
   NCom::TaskText path;
   const auto automation = NCommon::HostService<NSdk::IHostAutomation>();
   if (!automation || automation->GetConfigurationPath(path.Receive()) != S_OK) return {};
-  const std::filesystem::path folder = std::filesystem::path(path.Text()).parent_path();
+  const std::filesystem::path folder = NCommon::WideToPath(path.Text()).parent_path();
   std::error_code ignored;
   return std::filesystem::is_regular_file(folder / "brk.ini", ignored) ? folder : std::filesystem::path();
 }
 
 void TellThatItFailed(std::uint32_t textId, const std::filesystem::path& path) {
-  NCommon::ShowUserMessage(NResources::Print(NResources::LoadText(textId), path.wstring()),
-                           NSdk::kMessageError);
+  const std::wstring text = NResources::Print(NResources::LoadText(textId), NCommon::PathToWide(path));
+  NCommon::ShowUserMessage(text, NSdk::kMessageError);
 }
 
 }  // namespace

@@ -2,16 +2,18 @@
 
 #include <shellapi.h>
 
+#include "common/text.h"
 #include "plugin/external_tools.h"
 
 namespace NPlugin {
 
 bool StartProgram(const ProgramStart& start) {
   constexpr INT_PTR kLastFailure = 32;
-  const std::string folder = start.folder.string();
-  const HINSTANCE result =
-      ShellExecuteA(nullptr, "open", start.program.string().c_str(), start.parameters.c_str(),
-                    folder.empty() ? nullptr : folder.c_str(), SW_SHOWNORMAL);
+  // Not path::string(), which is UTF-8 and not the code page of the system.
+  const std::string program = NCommon::PathToItemText(start.program);
+  const std::string folder = NCommon::PathToItemText(start.folder);
+  const HINSTANCE result = ShellExecuteA(nullptr, "open", program.c_str(), start.parameters.c_str(),
+                                         folder.empty() ? nullptr : folder.c_str(), SW_SHOWNORMAL);
   return reinterpret_cast<INT_PTR>(result) > kLastFailure;
 }
 

@@ -5,6 +5,7 @@
 #include "channels/database_library.h"
 #include "com/task_text.h"
 #include "common/host_library.h"
+#include "common/text.h"
 #include "sdk/description_loader.h"
 
 namespace NSdo {
@@ -96,7 +97,7 @@ void LoadDescription(const NCommon::HostLibrary& library, DatabaseNode& node) {
   const auto create = library.Find<DllCreateCODescrLdrFunction>(kCreateLoaderName);
   if (!create || FAILED(create(NSdk::IidOf<ZCODescrLdr>(), loader.ReceiveVoid()))) return;
   loader->SetNodeId(node.nodeId);
-  const std::uint32_t result = loader->Load(node.description.wstring().c_str());
+  const std::uint32_t result = loader->Load(NCommon::PathToWide(node.description).c_str());
   if (result != kLoaded && result <= kLastError) return;
   NCom::ComPtr<ZCOObjectList> objects;
   if (FAILED(loader->GetObjects(objects.Receive())) || !objects) return;
@@ -146,13 +147,13 @@ std::filesystem::path ResolveDescription(const std::filesystem::path& folder, co
   constexpr auto kSeparator = std::filesystem::path::preferred_separator;
   const bool isName = value.find(L"..") == std::wstring::npos && value.find(L'\\') == std::wstring::npos &&
                       value.find(static_cast<wchar_t>(kSeparator)) == std::wstring::npos;
-  if (isName) return folder / std::filesystem::path(value).filename();
-  const std::filesystem::path asItStands = folder / value;
+  if (isName) return folder / NCommon::WideToPath(value).filename();
+  const std::filesystem::path asItStands = folder / NCommon::WideToPath(value);
   std::error_code ignored;
   if (std::filesystem::exists(asItStands, ignored)) return asItStands.lexically_normal();
   std::wstring slashes = value;
   std::replace(slashes.begin(), slashes.end(), L'\\', L'/');
-  return (folder / slashes).lexically_normal();
+  return (folder / NCommon::WideToPath(slashes)).lexically_normal();
 }
 
 HRESULT BuildDatabaseNodeList(std::uint32_t channel, std::vector<DatabaseNode>& nodes) {
@@ -167,7 +168,7 @@ HRESULT BuildDatabaseNodeList(std::uint32_t channel, std::vector<DatabaseNode>& 
     NCom::ComPtr<NSdk::ICanDatabase> database;
     const HRESULT result = manager->OpenDatabase(index, database.Receive());
     if (FAILED(result)) return result;
-    TakeNodes(*database, std::filesystem::path(path.Text()).parent_path(), loaderLibrary, built);
+    TakeNodes(*database, NCommon::WideToPath(path.Text()).parent_path(), loaderLibrary, built);
   }
   nodes = std::move(built);
   return S_OK;

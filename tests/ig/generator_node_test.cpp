@@ -5,6 +5,7 @@
 
 #include "com/assertion.h"
 #include "com/task_text.h"
+#include "common/text.h"
 #include "ig/generator_node.h"
 #include "tests/ig/fake_host.h"
 #include "tests/test_folder.h"
@@ -181,6 +182,25 @@ TEST_F(GeneratorNode, AFileThatCannotBeLoadedChangesNothingAndSaysWhy) {
 
   EXPECT_EQ(node->SaveSequence((folder / "none" / "x.seq").wstring().c_str(), reason.Receive()), E_FAIL);
   EXPECT_THAT(reason.Text(), HasSubstr(L"cannot be created"));
+  EXPECT_EQ(node->SaveSequence(folder.Path().wstring().c_str(), reason.Receive()), E_FAIL);
+  EXPECT_THAT(reason.Text(), HasSubstr(L"not a file")) << "though something stands there";
+  EXPECT_EQ(Caption(), L"CAN1 | Sequence file: " + good.wstring());
+}
+
+TEST_F(GeneratorNode, FilesMayHaveNamesOfAnyLanguage) {
+  const auto there = folder / std::filesystem::path(u8"Anl\u00e4ge \u4e2d");
+  std::filesystem::create_directory(there);
+  const std::wstring path = NCommon::PathToWide(there / "a.seq");
+  host->configuration = NCom::Make<NTest::FakeConfiguration>(NCommon::PathToWide(there / "c.json"));
+  EXPECT_EQ(node->SaveSequence(path.c_str(), nullptr), S_OK);
+  EXPECT_EQ(node->LoadSequence(path.c_str(), nullptr), S_OK);
+  EXPECT_EQ(Caption(), L"CAN1 | Sequence file: " + path);
+  const auto store = NCom::Make<NTest::FakeStore>();
+  EXPECT_EQ(node->Save(store.Get()), S_OK);
+  EXPECT_EQ(store->values[L"LastCOIGSequenceRel"], L"a.seq");
+  store->values[L"LastCOIGSequenceRel"].clear();
+  EXPECT_EQ(node->Load(store.Get()), S_OK);
+  EXPECT_EQ(node->ReloadSequence(), S_OK) << "by its absolute path";
 }
 
 TEST_F(GeneratorNode, AChannelThatIsNotThereKeepsTheBlockOutOfTheMeasurement) {
