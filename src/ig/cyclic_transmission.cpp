@@ -6,12 +6,12 @@ namespace NIg {
 
 void CyclicTransmission::Start(NSdk::IRuntime& runtime, NSdk::ITimerSink& sink, const Snapshot& items) {
   Stop();
-  for (std::size_t position = 0; position < items.size(); ++position) {
+  for (const SnapshotEntry& entry : items) {
     auto message = std::make_unique<ZTimerInfo>();
-    message->item = items[position].item;
+    message->item = entry.item;
+    message->listPosition = entry.listPosition;
     message->delay = message->item->GetDelay();
     message->cycle = message->item->GetCycle();
-    message->position = static_cast<std::uint32_t>(position);
     if (FAILED(runtime.CreateTimer(&sink, message->timer.Receive())) || !message->timer) continue;
     message->timer->Start(message->delay, /*periodic=*/0);
     mMessages.push_back(std::move(message));

@@ -17,8 +17,8 @@ struct ZTimerInfo {
   std::uint32_t delay = 0;      ///< ms
   std::uint32_t firstShot = 1;  ///< the delay runs
   NCom::ComPtr<NSdk::ITimer> timer;
-  std::uint32_t cycle = 0;     ///< ms
-  std::uint32_t position = 0;  ///< in the snapshot
+  std::uint32_t cycle = 0;       ///< ms
+  std::size_t listPosition = 0;  ///< of the item
   NCanopen::ZMsgItemInfo* item = nullptr;
 };
 

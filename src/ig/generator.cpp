@@ -61,7 +61,7 @@ std::uint32_t Generator::Activity() const {
 // ---- measurement
 
 HRESULT Generator::StartMeasurement(NSdk::IRuntime& runtime) {
-  ReleaseTimers();
+  StopMeasurement();  // one that the host did not stop
   const HRESULT result = TakeFromHost(runtime);
   if (FAILED(result)) {
     ReleaseTimers();
@@ -167,9 +167,9 @@ void Generator::StartSequence() {
 void Generator::SequenceTick() {
   if (mSdo.IsRunning()) {
     if (!mSdo.HasEnded()) return;
-    ReportTransfer();
-    mSdo.End();
     mSdoPollTimer->Stop();
+    ReportTransfer();  // who hears of it may stop the measurement
+    mSdo.End();
     return;
   }
   if (!mPauseOver || !mSequenceRunning) return;
@@ -199,6 +199,7 @@ void Generator::FinishSequence(bool endsWithCyclicStop) {
 // The message box lets other callbacks in, so the sequence is over before it opens, and its items may be gone
 // afterwards.
 void Generator::SequenceItemFailed(const ItemPlace& place) {
+  if (!mRuntime) return;  // it failed because the measurement was stopped under it
   const bool endsWithCyclicStop = EndsWithCyclicStop(mSequenceSnapshot);
   mSequenceSnapshot.clear();
   mSequenceIndex = 1;
@@ -253,7 +254,7 @@ void Generator::CyclicExpiry(NSdk::ITimer* timer) {
   ZTimerInfo* message = mCyclicTimers.Find(timer);
   if (!message) return;
   if (message->item->IsEnabled()) {
-    const ItemPlace place = {NSdk::kCyclicList, mCyclicSnapshot[message->position].listPosition};
+    const ItemPlace place = {NSdk::kCyclicList, message->listPosition};
     if (!SendItem(*message->item, place)) return CyclicItemFailed(place);
     mObserver.ItemSent(place);
     message = mCyclicTimers.Find(timer);
@@ -262,6 +263,7 @@ void Generator::CyclicExpiry(NSdk::ITimer* timer) {
 }
 
 void Generator::CyclicItemFailed(const ItemPlace& place) {
+  if (!mRuntime) return;  // as above
   EndCyclic();
   mObserver.ItemFailed(place);
   ShowMessage(IDS_IG_CYCLIC_FAILED);

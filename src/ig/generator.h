@@ -10,7 +10,6 @@
 #include "com/com_ptr.h"
 #include "ig/cyclic_transmission.h"
 #include "ig/generator_window.h"
-
 #include "ig/sdo_transfer.h"
 #include "ig/settings.h"
 #include "ig/snapshot.h"
@@ -38,8 +37,8 @@ class TransmissionObserver {
 /// One generator block. All calls arrive on the host's thread: user commands from the window or the host,
 /// expiries from the host's timers, which are bound to `sink` and come back through OnTimer.
 ///
-///   sequence:  idle -> running -> finished, stopped or failed -> idle; one item per tick of the sequence
-///   timer cyclic:    idle -> requested -> running (with the next expiry of any timer) -> idle
+///   sequence:  idle -> running -> finished, stopped or failed -> idle; an item per tick of its timer
+///   cyclic:    idle -> requested -> running (with the next expiry of any timer) -> idle
 class Generator {
  public:
   Generator(NSdk::ITimerSink& sink, TransmissionObserver& observer);

@@ -62,6 +62,7 @@ struct Block final : NCom::Implements<NSdk::ITimerSink>, NIg::TransmissionObserv
                   static_cast<unsigned>(place.position), static_cast<unsigned>(result.result),
                   static_cast<unsigned>(result.bytes), static_cast<unsigned>(result.abortCode));
     transfers.emplace_back(text);
+    if (whenEnded) whenEnded();
   }
 
   template <class Item>
@@ -91,6 +92,7 @@ struct Block final : NCom::Implements<NSdk::ITimerSink>, NIg::TransmissionObserv
   std::vector<std::string> failed;
   std::vector<std::string> transfers;
   std::function<void()> whenSent;
+  std::function<void()> whenEnded;  // a transfer
   Generator generator{*this, *this};
 };
 
@@ -356,6 +358,51 @@ TEST_F(GeneratorTest, WhoHearsOfAnItemMayStopTheMeasurement) {
   host->RunFor(50);
   EXPECT_THAT(host->TakeSent(), SizeIs(1));
   EXPECT_EQ(block.Activity(), 0u);
+
+  // The same of a transfer, one that was refused and one that the next item cuts off.
+  for (const std::uint32_t node : {0u, 1u}) {
+    first->generator.List(kSequenceList).clear();
+    first->generator.List(kCyclicList).clear();
+    const auto list = node == 0 ? kSequenceList : kCyclicList;
+    for (std::uint32_t channel = 0; channel < 2; ++channel) {
+      auto& transfer = first->Add<ZSDOItemInfo>(list).record;
+      transfer.upload = 1;
+      transfer.nodeId = node;
+      transfer.cobIdTx += channel;
+      transfer.cobIdRx += channel;
+    }
+    first->whenEnded = [&] { block.StopMeasurement(); };
+    block.StartMeasurement(*host);
+    node == 0 ? block.ToggleSequence() : block.ToggleCyclic();
+    host->RunFor(50);
+    EXPECT_EQ(block.Activity(), 0u);
+    EXPECT_THAT(Messages(), IsEmpty());
+  }
+}
+
+TEST_F(GeneratorTest, AStartWithoutAStopEndsTheMeasurementBefore) {
+  first->AddCyclicSync(0, 10);
+  block.ToggleCyclic();
+  host->RunFor(15);
+  const std::size_t others = 3;  // of the second block
+  block.StartMeasurement(*host);
+  EXPECT_EQ(block.Activity(), 0u);
+  EXPECT_THAT(host->timers, SizeIs(others + 3));
+}
+
+// Rows are counted in the list, whatever of it takes part.
+TEST_F(GeneratorTest, ARowThatIsDisabledUnderCyclicTransmissionLeavesTheOthersTheirPlaces) {
+  auto& disabled = first->AddCyclicSync(1000, 1000);
+  auto& broken = first->AddPdo(kCyclicList, "uint:1", 1);
+  broken.record.cycle_ms = 10;
+  first->AddPause(1000);
+  block.ToggleCyclic();
+  host->RunFor(50);
+  disabled.SetEnabled(0);
+  block.ToggleSequence();
+  broken.record.data = "uint:x";
+  host->RunFor(50);
+  EXPECT_THAT(first->failed, ElementsAre("1/1"));
 }
 
 // A server's answer, as the host delivers it.
