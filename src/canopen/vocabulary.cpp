@@ -1,5 +1,7 @@
 #include "canopen/vocabulary.h"
+
 #include "resources/print.h"
+#include "resources/resource_ids.h"
 
 namespace NCanopen {
 
@@ -11,10 +13,10 @@ constexpr CodeLabel kNmtCommands[] = {
 };
 
 constexpr NodeStateLabel kNodeStates[] = {
-    {NodeState::BootUp, "Boot-up", 212},
-    {NodeState::Stopped, "Stopped", 213},
-    {NodeState::Operational, "Operational", 211},
-    {NodeState::PreOperational, "Pre-operational", 210},
+    {NodeState::BootUp, "Boot-up", IDS_SCAN_STATE_BOOT_UP},
+    {NodeState::Stopped, "Stopped", IDS_SCAN_STATE_STOPPED},
+    {NodeState::Operational, "Operational", IDS_SCAN_STATE_OPERATIONAL},
+    {NodeState::PreOperational, "Pre-operational", IDS_SCAN_STATE_PREOPERATIONAL},
 };
 
 // The labels are what users of this module know and search for, including their two slips.
@@ -78,7 +80,7 @@ std::vector<CobIdChoice> PdoChoices(std::uint32_t nodeId) {
 }
 
 std::string DatabasePdoLabel(std::uint32_t cobId, std::uint32_t nodeId, std::uint32_t number) {
-  return NResources::Print("%s (N%d_TPDO%d)", CobIdText(cobId), nodeId, number);
+  return NResources::Print("%s (N%d_TPDO%d)", CobIdText(FrameCobId(cobId)), nodeId, number);
 }
 
 std::string EmcyLabel(std::uint32_t nodeId) {
@@ -94,7 +96,7 @@ std::string DefaultSdoLabel(std::uint32_t nodeId) {
 }
 
 std::string SdoServerLabel(std::uint32_t cobId, std::uint32_t server) {
-  return NResources::Print("%s (Server %X)", CobIdText(cobId), server);
+  return NResources::Print("%s (Server %X)", CobIdText(FrameCobId(cobId)), server);
 }
 
 std::string NodeLabel(std::uint32_t nodeId, std::string_view name) {

@@ -21,6 +21,12 @@ inline constexpr std::uint32_t kCobIdInvalid = 0x80000000;
 constexpr std::uint32_t IdentifierOf(std::uint32_t cobId) { return cobId & kIdentifierMask; }
 constexpr bool IsExtended(std::uint32_t cobId) { return (cobId & kCobIdExtended) != 0; }
 
+/// The same of a frame that a database or a device description declares: it has no other flag than bit 29,
+/// and a standard identifier no other bits than 0..10.
+constexpr std::uint32_t FrameCobId(std::uint32_t declared) {
+  return declared & (IsExtended(declared) ? kIdentifierMask | kCobIdExtended : kStandardIdentifierMask);
+}
+
 /// Hexadecimal without prefix, an extended identifier with a trailing "x": "181", "800x".
 std::string CobIdText(std::uint32_t cobId);
 
@@ -76,17 +82,6 @@ std::span<const NodeStateLabel> NodeStates();
 
 /// One entry per class of emergency error codes (CiA 301, 7.2.7.1); the code is the first of its class.
 std::span<const CodeLabel> EmcyClasses();
-
-/// String table: the scanner's coarser emergency classes.
-enum ScannerEmcyString : unsigned {
-  kScannerEmcyGeneric = 450,
-  kScannerEmcyCurrent = 451,
-  kScannerEmcyVoltage = 452,
-  kScannerEmcyTemperature = 453,
-  kScannerEmcyCommunication = 454,
-  kScannerEmcyDeviceProfile = 455,
-  kScannerEmcyManufacturer = 456,
-};
 
 // What an editor offers in its lists. The text is cut at its first blank before it is read back.
 inline constexpr const char* kAllNodesLabel = "0 (All nodes)";

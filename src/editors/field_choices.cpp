@@ -113,12 +113,14 @@ const DatabaseNode* FindNode(std::span<const DatabaseNode> nodes, std::uint32_t 
 std::optional<std::uint32_t> ObjectSize(const DatabaseNode& node, std::uint32_t index,
                                         std::uint32_t subIndex) {
   const NodeObject* object = FindObject(node, index, subIndex);
-  return object != nullptr && !object->variableLength ? std::optional(object->size) : std::nullopt;
+  const bool fixed = object != nullptr && !object->variableLength && object->size != 0;
+  return fixed ? std::optional(object->size) : std::nullopt;
 }
 
 std::optional<std::uint32_t> MappedPdoSize(const DatabaseNode& node, std::uint32_t cobId) {
-  const auto tpdo = std::ranges::find_if(
-      node.tpdos, [cobId](const NSdo::Tpdo& candidate) { return candidate.cobId == cobId; });
+  const auto tpdo = std::ranges::find_if(node.tpdos, [cobId](const NSdo::Tpdo& candidate) {
+    return NCanopen::FrameCobId(candidate.cobId) == cobId;
+  });
   if (tpdo == node.tpdos.end()) return std::nullopt;
   const std::uint32_t mapping = kFirstTpdoMapping + tpdo->number;
   const NodeObject* entries = FindObject(node, mapping, 0);

@@ -33,12 +33,14 @@ bool DependsOnNode(Choices choices);
 /// Null: the databases have no such node.
 const NSdo::DatabaseNode* FindNode(std::span<const NSdo::DatabaseNode> nodes, std::uint32_t nodeId);
 
-/// Bytes that the node's description declares for an object of fixed length.
+/// Bytes that the node's description declares for an object of fixed length. Empty: there is no such object,
+/// or its type does not tell.
 std::optional<std::uint32_t> ObjectSize(const NSdo::DatabaseNode& node, std::uint32_t index,
                                         std::uint32_t subIndex);
 
-/// Bytes that the node's description maps into the transmit PDO with this COB-ID (CiA 301, 7.5.2.38: index,
-/// sub-index and length in bits of each mapped object). Empty: it describes no mapping for it.
+/// Bytes that the node's description maps into the transmit PDO with this COB-ID, which has no flag but bit
+/// 29 (CiA 301, 7.5.2.38: index, sub-index and length in bits of each mapped object). Empty: it describes no
+/// mapping for it.
 std::optional<std::uint32_t> MappedPdoSize(const NSdo::DatabaseNode& node, std::uint32_t cobId);
 
 }  // namespace NEditors

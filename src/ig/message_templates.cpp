@@ -25,7 +25,7 @@ constexpr Group kFlowControl[] = {{"PAUSE", false}, {"CYCLETX", false}};
 MessageTemplate TpdoTemplate(const NCanopen::ItemKind& kind, const bool* hexDisplay,
                              const NSdo::DatabaseNode& node, const NSdo::Tpdo& tpdo) {
   // A PDO that is not valid in the device (bit 31) can be sent all the same.
-  const std::uint32_t cobId = tpdo.cobId & (NCanopen::kIdentifierMask | NCanopen::kCobIdExtended);
+  const std::uint32_t cobId = NCanopen::FrameCobId(tpdo.cobId);
   return {NResources::Print(L"N%d_TPDO%d (%s)", node.nodeId, tpdo.number + 1,
                             NCommon::ToWide(NCanopen::CobIdText(cobId))),
           kind.makeForNode(hexDisplay, node.nodeId, cobId),

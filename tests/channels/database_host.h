@@ -9,6 +9,7 @@
 #include "com/implements.h"
 #include "com/task_text.h"
 #include "common/host_application.h"
+#include "common/text.h"
 
 namespace NTest {
 
@@ -39,7 +40,7 @@ class DatabaseHost final
     if (index > databases.size()) return S_FALSE;
     *channel = databases[index - 1].second;
     ++queries;
-    return NCom::HandOut(databases[index - 1].first.wstring(), path);
+    return NCom::HandOut(NCommon::PathToWide(databases[index - 1].first), path);
   }
 
   HRESULT STDMETHODCALLTYPE Advise(IUnknown* newSink, std::uint32_t* cookie) override {

@@ -17,7 +17,7 @@ std::unique_ptr<NCanopen::ZMsgItemInfo> MakeItem(const char* kind) {
 }
 
 NSdo::DatabaseNode Drive() {
-  NSdo::DatabaseNode node{L"Drive", 5, {}, {}, {{0x285, 1}, {0x80000385, 2}}};
+  NSdo::DatabaseNode node{L"Drive", 5, {}, {}, {{0x40000285, 1}, {0x80001385, 2}}};
   node.objects = {{0x1000, 0, 4, false, false, L"(ReadOnly) Device type", L"0x20192"},
                   {0x1008, 0, 0, true, false, L"(Const) Device name", L"Drive"},
                   {0x1201, 1, 4, false, false, L"Client to server", L"0x645"},
@@ -25,7 +25,8 @@ NSdo::DatabaseNode Drive() {
                   {0x1A01, 0, 1, false, true, L"Mapped objects", L"2"},
                   {0x1A01, 1, 4, false, true, L"First", L"0x60410010"},
                   {0x1A01, 2, 4, false, true, L"Second", L"0x60640020"},
-                  {0x6040, 0, 2, false, true, L"(ReadWrite) Controlword", L""}};
+                  {0x6040, 0, 2, false, true, L"(ReadWrite) Controlword", L""},
+                  {0x6041, 0, 0, false, true, L"Of an unknown type", L""}};
   return node;
 }
 
@@ -197,14 +198,16 @@ TEST(ItemForm, OffersWhatNodesAndVocabularyHave) {
   EXPECT_EQ(Choices(sdoForm, "COBIDRx"), (std::vector<std::string>{"585 (Default)", "5C5 (Server 2)"}));
   const auto index = *sdoForm.Find("Index");
   const auto objects = sdoForm.ChoicesOf(index);
-  ASSERT_EQ(objects.size(), 8u);
+  ASSERT_EQ(objects.size(), 9u);
   EXPECT_EQ(objects[7].text, "6040 sub 0 (ReadWrite) Controlword");
   sdoForm.Choose(index, objects[7]);
   EXPECT_EQ(Text(sdoForm, "Index"), "6040");
   EXPECT_EQ(Text(sdoForm, "ObjectSize"), "2");
   EXPECT_EQ(sdoForm.Purpose().limit, 2u);
-  sdoForm.Choose(index, objects[1]);
-  EXPECT_FALSE(sdoForm.Purpose().limit) << "a text has no size to exceed";
+  for (const std::size_t unknown : {1, 8}) {
+    sdoForm.Choose(index, objects[unknown]);
+    EXPECT_FALSE(sdoForm.Purpose().limit) << "a text, or what is of no known type, has no size to exceed";
+  }
 }
 
 TEST(ItemForm, PreviewsTheFrame) {

@@ -161,7 +161,7 @@ TEST(ListEditing, TenThousandRowsDoNotMakeItSlow) {
 }
 
 TEST(MessageTemplates, ListKindsAndNodes) {
-  const std::vector<NSdo::DatabaseNode> nodes = {{L"Drive", 5, {}, {}, {{0x285, 1}, {0xA0000800, 4}}},
+  const std::vector<NSdo::DatabaseNode> nodes = {{L"Drive", 5, {}, {}, {{0x40001285, 1}, {0xA0000800, 4}}},
                                                  {L"Nobody", 200, {}, {}, {}}};
   const auto roots = NIg::MakeTemplates(nullptr, nodes);
   const auto labels = [](const std::vector<NIg::MessageTemplate>& entries) {

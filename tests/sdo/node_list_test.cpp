@@ -88,11 +88,11 @@ DefaultValue=$NODEID+0x180
 class NodeList : public testing::Test {
  protected:
   NodeList() {
-    fs::create_directories(folder / "db");
+    fs::create_directories(databases);
     fs::create_directories(folder / "dcf");
-    std::ofstream(folder / "db" / "valves.dcf") << kDescription;
+    std::ofstream(databases / "valves.dcf") << kDescription;
     std::ofstream(folder / "dcf" / "other.dcf") << kDescription;
-    std::ofstream(folder / "db" / "broken.dcf") << "no description";
+    std::ofstream(databases / "broken.dcf") << "no description";
     NCommon::SetHostApplication(host.Get());
   }
   ~NodeList() override {
@@ -102,15 +102,16 @@ class NodeList : public testing::Test {
 
   void AddDatabase(const std::string& name, const std::string& nodes, const std::string& values,
                    std::uint32_t channel) {
-    std::ofstream(folder / "db" / name) << "VERSION \"\"\nBU_: " << nodes
-                                        << "\nBA_DEF_ BU_ \"CO_ID\" INT 0 127;\n"
-                                           "BA_DEF_ BU_ \"CO_DCF\" STRING ;\n"
-                                        << values;
-    host->databases.emplace_back(folder / "db" / name, channel);
+    std::ofstream(databases / name) << "VERSION \"\"\nBU_: " << nodes
+                                    << "\nBA_DEF_ BU_ \"CO_ID\" INT 0 127;\n"
+                                       "BA_DEF_ BU_ \"CO_DCF\" STRING ;\n"
+                                    << values;
+    host->databases.emplace_back(databases / name, channel);
   }
 
   // Of this test alone: others run beside it.
   const NTest::TestFolder folder;
+  const fs::path databases = folder / fs::path(u8"Datenb\u00e4nke");
   NCom::ComPtr<NTest::DatabaseHost> host = NCom::Make<NTest::DatabaseHost>();
 };
 
@@ -165,7 +166,7 @@ TEST_F(NodeList, ObjectsAndTpdosComeFromTheDescription) {
 }
 
 TEST_F(NodeList, ADatabaseThatCannotBeOpenedIsAFailure) {
-  host->databases.emplace_back(folder / "db" / "missing.dbc", 1);
+  host->databases.emplace_back(databases / "missing.dbc", 1);
   std::vector<NSdo::DatabaseNode> nodes(1);
   EXPECT_EQ(NSdo::BuildDatabaseNodeList(1, nodes), NSdk::kDatabaseMissing);
   EXPECT_EQ(nodes.size(), 1u) << "the list stays as it is";
