@@ -50,7 +50,7 @@ TEST(SequenceFilePosix, DoesNotWaitForAPipe) {
   fs::remove(pipe);
 }
 
-// Item texts are UTF-8; whatever is not becomes "?" byte by byte.
+// Item texts are UTF-8; whatever is not becomes "?".
 TEST(SequenceFilePosix, DecodesUtf8) {
   const struct {
     std::string bytes;
@@ -64,7 +64,8 @@ TEST(SequenceFilePosix, DecodesUtf8) {
       {"\xED\xA0\x80", u"???", false},       // surrogate
       {"\xF4\x90\x80\x80", u"????", false},  // beyond the last character
       {"\xC3", u"?", false},                 // cut off
-      {"\xF0\x9F\x98", u"???", false},       // cut off
+      {"\xF0\x9F\x98", u"?", false},         // cut off
+      {"\xEF\xBF\xBD", u"\uFFFD", true},     // what stands for such elsewhere, meant as it is
       {"\xC3z\x80\xFFy", u"?z??y", false},   // goes on behind it
   };
   for (const auto& row : rows) {
