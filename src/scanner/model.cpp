@@ -82,7 +82,8 @@ HRESULT ZCANopenModel::RemoveObserver(NSdk::IModelObserver* observer) {
 
 bool ZCANopenModel::NotifyObservers() {
   if (!mPending) return false;
-  mObservers.Notify(this, 0, mPendingNode.Get());
+  const auto node = mPendingNode;  // an observer may report a further change, which takes the hint back
+  mObservers.Notify(this, 0, node.Get());
   mPending = false;
   mPendingNode.Reset();
   return true;

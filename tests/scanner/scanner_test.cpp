@@ -280,14 +280,32 @@ TEST(ScannerModel, ObserversHearInTimeAndOnce) {
   model->GetChangeCount(&after);
   EXPECT_EQ(after, before + 3);
 
+  // The node lasts until all have heard, whatever one of them changes.
+  struct Hint final : NCom::Implements<NSdk::IView> {
+    explicit Hint(bool& gone) : mGone(gone) {}
+    ~Hint() override { mGone = true; }
+    HRESULT STDMETHODCALLTYPE AttachWindow(NSdk::IWindowSite*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE DetachWindow() override { return E_NOTIMPL; }
+    bool& mGone;
+  };
+  bool gone = false;
+  EXPECT_TRUE(model->NotifyObservers());
+  model->Changed(2, NCom::Make<Hint>(gone)->Identity());
+  first->whileTold = [&] { model->Changed(1, nullptr); };
+  second->whileTold = [&] { EXPECT_FALSE(gone); };
+  EXPECT_TRUE(model->NotifyObservers());
+  EXPECT_TRUE(gone);
+  second->whileTold = nullptr;
+
+  model->Changed(3, node.Get());
   // One who leaves while the others hear is not called any more.
   first->whileTold = [&] {
     model->RemoveObserver(second.Get());
     model->RemoveObserver(first.Get());
   };
   EXPECT_TRUE(model->NotifyObservers());
-  EXPECT_EQ(first->objects.size(), 3u);
-  EXPECT_EQ(second->objects.size(), 2u);
+  EXPECT_EQ(first->objects.size(), 5u);
+  EXPECT_EQ(second->objects.size(), 4u);
   EXPECT_EQ(model->GetChangeCount(nullptr), E_INVALIDARG);
 }
 
