@@ -3,10 +3,10 @@
 // allocator. Windows brings its own; elsewhere the same names have the same layout and values.
 //
 // Rules that hold for every interface in sdk/ unless its own comment says otherwise:
-//   Ownership  An interface pointer handed out carries one reference, which the receiver releases. One that
-//   is passed in
-//              is borrowed for the call; who keeps it adds a reference. Text that is handed out is allocated
-//              with CoTaskMemAlloc and freed by the receiver with CoTaskMemFree; text passed in is borrowed.
+//   Ownership  An interface pointer handed out carries one reference, which the receiver releases; one
+//              passed in is borrowed for the call, and who keeps it adds a reference. Text handed out is
+//              allocated with CoTaskMemAlloc and freed by the receiver with CoTaskMemFree; text passed in is
+//              borrowed.
 //   Threads    Everything is apartment-threaded: the host calls, and is called, on one thread.
 //   Errors     Every method returns an HRESULT. A method that fails leaves its outputs untouched.
 

@@ -58,6 +58,12 @@ std::uint32_t Generator::Activity() const {
          (mCyclicRequested ? NSdk::kCyclicRequested : 0u);
 }
 
+void Generator::SetNumbers(const GeneratorNumbers& numbers) {
+  const std::uint32_t channel = IsMeasuring() ? mNumbers.channel : numbers.channel;
+  mNumbers = numbers;
+  mNumbers.channel = channel;
+}
+
 // ---- measurement
 
 HRESULT Generator::StartMeasurement(NSdk::IRuntime& runtime) {

@@ -74,6 +74,9 @@ class Generator {
   }
   GeneratorNumbers& Numbers() { return mNumbers; }
   const GeneratorNumbers& Numbers() const { return mNumbers; }
+  /// The user has set others. A measurement that runs keeps its channel; the rest counts from the next
+  /// sequence or transfer on.
+  void SetNumbers(const GeneratorNumbers& numbers);
   /// Empty outside a measurement.
   const NCom::ComPtr<NSdk::ICANOutput>& Output() const { return mOutput; }
   /// Folder that relative "file:" data is resolved against.

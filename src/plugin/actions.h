@@ -1,5 +1,5 @@
 #pragma once
-// The plug-in's commands, class by class. Numbers of images are those of the resource script.
+// The plug-in's commands, class by class.
 
 #include "plugin/action.h"
 #include "plugin/nmt_menu.h"
@@ -25,15 +25,16 @@ class ZActionInsertSeqGenerator final
 };
 
 class ZActionExecBrk final
-    : public ZAction<ZPlugIn, IDS_TOOL_BRACKWELL, IDS_TOOL_BRACKWELL, 228, 258, 259, 0> {
+    : public ZAction<ZPlugIn, IDS_TOOL_BRACKWELL, IDS_TOOL_BRACKWELL, IDB_TOOL_BRACKWELL,
+                     IDI_TOOL_BRACKWELL_SMALL, IDI_TOOL_BRACKWELL_LARGE, 0> {
  public:
   explicit ZActionExecBrk(ZPlugIn& owner) : ZAction(owner, L"Tool.Brackwell") {}
   HRESULT STDMETHODCALLTYPE Execute(IUnknown* context) override;
   HRESULT STDMETHODCALLTYPE GetState(std::uint32_t* state) override;
 };
 
-class ZActionExecQuillon final
-    : public ZAction<ZPlugIn, IDS_TOOL_QUILLON, IDS_TOOL_QUILLON, 773, 256, 257, 0> {
+class ZActionExecQuillon final : public ZAction<ZPlugIn, IDS_TOOL_QUILLON, IDS_TOOL_QUILLON, IDB_TOOL_QUILLON,
+                                                IDI_TOOL_QUILLON_SMALL, IDI_TOOL_QUILLON_LARGE, 0> {
  public:
   explicit ZActionExecQuillon(ZPlugIn& owner) : ZAction(owner, L"Tool.Quillon") {}
   HRESULT STDMETHODCALLTYPE Execute(IUnknown* context) override;
@@ -113,16 +114,21 @@ class ZActionCANopenSendMsg final : public ZAction<ZPlugIn, Caption, ToolTip, Bi
   NmtMenu mMenu;
 };
 
-// The four kinds have the same images wherever they appear; the numbers of the icons of Stop and Reset stand
-// the other way round. The tool tips are three texts with the same words.
+// The kinds have the same images wherever they appear. Their tool tips are three texts of the same words.
 template <std::uint32_t Caption, std::uint32_t ToolTip>
-using OperationalAction = ZActionCANopenSendMsg<Caption, ToolTip, 794, 248, 249, NmtKind::Operational>;
+using OperationalAction =
+    ZActionCANopenSendMsg<Caption, ToolTip, IDB_NMT_OPERATIONAL, IDI_NMT_OPERATIONAL_SMALL,
+                          IDI_NMT_OPERATIONAL_LARGE, NmtKind::Operational>;
 template <std::uint32_t Caption, std::uint32_t ToolTip>
-using PreoperationalAction = ZActionCANopenSendMsg<Caption, ToolTip, 795, 250, 251, NmtKind::Preoperational>;
+using PreoperationalAction =
+    ZActionCANopenSendMsg<Caption, ToolTip, IDB_NMT_PREOPERATIONAL, IDI_NMT_PREOPERATIONAL_SMALL,
+                          IDI_NMT_PREOPERATIONAL_LARGE, NmtKind::Preoperational>;
 template <std::uint32_t Caption, std::uint32_t ToolTip>
-using StopAction = ZActionCANopenSendMsg<Caption, ToolTip, 796, 254, 255, NmtKind::Stop>;
+using StopAction = ZActionCANopenSendMsg<Caption, ToolTip, IDB_NMT_STOP, IDI_NMT_STOP_SMALL,
+                                         IDI_NMT_STOP_LARGE, NmtKind::Stop>;
 template <std::uint32_t Caption, std::uint32_t ToolTip>
-using ResetAction = ZActionCANopenSendMsg<Caption, ToolTip, 797, 252, 253, NmtKind::Reset>;
+using ResetAction = ZActionCANopenSendMsg<Caption, ToolTip, IDB_NMT_RESET, IDI_NMT_RESET_SMALL,
+                                          IDI_NMT_RESET_LARGE, NmtKind::Reset>;
 
 using ZActionCANopenSendMsgOperational = OperationalAction<IDS_NMT_OPERATIONAL, IDS_NMT_NEEDS_IG>;
 using ZActionCANopenSendMsgPreoperational = PreoperationalAction<IDS_NMT_PREOPERATIONAL, IDS_NMT_NEEDS_IG>;

@@ -27,7 +27,6 @@ std::wstring CellText(NSdk::ICANopenNode* node, std::uint32_t column, std::uint3
 /// Images of a row, in the order of the bitmap: silent or unknown, booting or stopped, pre-operational,
 /// operational, and these four with an error mark. Raises E:"node" for null.
 std::uint32_t RowImage(NSdk::ICANopenNode* node);
-inline constexpr std::uint32_t kRowImages = 8;
 
 /// Identity, and a line for each error that the node has reported. Raises E:"node" for null.
 std::wstring ToolTip(NSdk::ICANopenNode* node);

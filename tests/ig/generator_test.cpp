@@ -152,6 +152,15 @@ TEST_F(GeneratorTest, DataWithoutTypeBecomesAByteArrayAndLongDataFollowsTheFourB
   EXPECT_EQ(untyped.record.data, "bytearr:0102");
 }
 
+TEST_F(GeneratorTest, NumbersThatAreSetMeanwhileCountFromTheNextSequenceOn) {
+  first->Add<ZSyncItemInfo>(kSequenceList);
+  block.SetNumbers({.serviceDelay = 30, .channel = 7});
+  block.ToggleSequence();
+  host->RunFor(100);
+  EXPECT_THAT(host->TakeSent(), ElementsAre("30: 80 [0]"));
+  EXPECT_EQ(block.Numbers().channel, 1u) << "that of the output";
+}
+
 TEST_F(GeneratorTest, ASequenceOfDisabledItemsStartsAndEndsOnTheFirstTick) {
   first->Add<ZSyncItemInfo>(kSequenceList).SetEnabled(0);
   block.ToggleSequence();

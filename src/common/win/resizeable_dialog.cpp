@@ -28,7 +28,7 @@ Area SpaceOf(HWND window, const RECT& wanted) {
   return AreaOf(space);
 }
 
-// An edge of a control when the window has grown; `anchoredNear` is to the left or top edge.
+// An edge of a control when the window has grown; `anchored` is the control to the far edge of the window.
 LONG Moved(LONG edge, LONG growth, bool anchored, bool toFarEdge) {
   return anchored && toFarEdge ? edge + growth : edge;
 }

@@ -38,7 +38,7 @@ class ZResizeableDialog : public Dialog {
   ZResizeableDialog(int templateId, std::span<const AnchoredControl> anchored)
       : Dialog(templateId), mAnchored(anchored) {}
 
-  /// Size of the placement that was set; empty: none was.
+  /// The placement that was set, or that the window had when it went; empty: there was none.
   const std::optional<Placement>& Remembered() const { return mPlacement; }
 
   bool OnInit() override;

@@ -27,12 +27,16 @@ constexpr NCommon::AnchoredControl kAnchored[] = {
     {IDHELP, kBottomRight},
 };
 
-// Command specifiers (CiA 301, 7.2.8.3.1).
-constexpr struct {
+struct Button {
+  constexpr Button(int id, NCanopen::NmtCommand specifier)
+      : control(id), command(static_cast<std::uint8_t>(specifier)) {}
   int control;
   std::uint8_t command;
-} kButtons[] = {
-    {IDC_NMT_OPERATIONAL, 1}, {IDC_NMT_PREOPERATIONAL, 128}, {IDC_NMT_STOP, 2}, {IDC_NMT_RESET, 129}};
+};
+constexpr Button kButtons[] = {{IDC_NMT_OPERATIONAL, NCanopen::NmtCommand::Start},
+                               {IDC_NMT_PREOPERATIONAL, NCanopen::NmtCommand::EnterPreOperational},
+                               {IDC_NMT_STOP, NCanopen::NmtCommand::Stop},
+                               {IDC_NMT_RESET, NCanopen::NmtCommand::ResetNode}};
 
 }  // namespace
 
