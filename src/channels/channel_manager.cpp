@@ -80,14 +80,7 @@ class ZChannelManager::Sink final : public NCom::Implements<NSdk::IDatabaseSetup
 };
 
 ZChannelManager::ZChannelManager() : mSink(NCom::Make<Sink>()) {
-  const auto application = NCommon::HostApplication();
-  if (!application) return;
-  application->FindEventSource(NSdk::IidOf<NSdk::IDatabaseSetupEvents>(), mEvents.Receive());
-  if (mEvents) mEvents->Advise(mSink->Identity(), &mCookie);
-}
-
-ZChannelManager::~ZChannelManager() {
-  if (mEvents) mEvents->Unadvise(mCookie);
+  mEvents.Begin<NSdk::IDatabaseSetupEvents>(mSink->Identity());
 }
 
 std::uint32_t ZChannelManager::ChannelCount() {

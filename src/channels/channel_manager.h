@@ -3,12 +3,11 @@
 #include <array>
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <string>
 
 #include "com/com_ptr.h"
+#include "common/event_subscription.h"
 #include "sdk/database_library.h"
-#include "sdk/host_application.h"
 
 namespace NChannels {
 
@@ -33,7 +32,6 @@ std::wstring DisplayName(const Channel& channel);
 class ZChannelManager {
  public:
   ZChannelManager();
-  ~ZChannelManager();
   ZChannelManager(const ZChannelManager&) = delete;
   ZChannelManager& operator=(const ZChannelManager&) = delete;
 
@@ -54,8 +52,7 @@ class ZChannelManager {
 
   std::array<Channel, 33> mChannels;
   NCom::ComPtr<Sink> mSink;
-  NCom::ComPtr<NSdk::IEventSource> mEvents;
-  std::uint32_t mCookie = 0;
+  NCommon::EventSubscription mEvents;
   std::uint32_t mRevision = 0;
 };
 

@@ -35,4 +35,16 @@ bool HasSimulationSetup() {
   return application && SUCCEEDED(application->GetVariant(&variant)) && variant == NSdk::kHostHalvard;
 }
 
+std::uint32_t HostLanguage() {
+  std::uint32_t language = 0;
+  const auto application = HostApplication();
+  return application && SUCCEEDED(application->GetLanguage(&language)) ? language : kEnglish;
+}
+
+std::optional<std::uint32_t> HostNumberBase() {
+  std::uint32_t base = 0;
+  const auto application = HostApplication();
+  return application && SUCCEEDED(application->GetNumberBase(&base)) ? std::optional(base) : std::nullopt;
+}
+
 }  // namespace NCommon

@@ -5,6 +5,7 @@
 
 #include "com/com_ptr.h"
 #include "com/implements.h"
+#include "common/event_subscription.h"
 #include "ig/generator.h"
 #include "ig/generator_view.h"
 #include "ig/list_editing.h"
@@ -127,8 +128,6 @@ class ZCANopenIGNode final : public GeneratorInterfaces, private TransmissionObs
   void ShowCaption();
   void TellThatLoadingFailed(const std::wstring& path) const;
   bool ConfirmUnsaved(void* parentWindow);
-  void FollowSettings();
-  void LeaveSettings();
   void ReadNumberBase();
   void CloseWindow();
 
@@ -145,8 +144,7 @@ class ZCANopenIGNode final : public GeneratorInterfaces, private TransmissionObs
   Generator mGenerator;
   ListEditing mEditing{mGenerator.List(NSdk::kSequenceList), mGenerator.List(NSdk::kCyclicList)};
   TransmissionResults mResults;
-  NCom::ComPtr<NSdk::IEventSource> mHostSettings;  // followed while there is a window
-  std::uint32_t mSettingsCookie = 0;
+  NCommon::EventSubscription mHostSettings;  // while there is a window
   std::unique_ptr<GeneratorView> mView;
 };
 

@@ -2,6 +2,7 @@
 
 #include "com/entry.h"
 #include "com/task_text.h"
+#include "common/block_window.h"
 #include "common/host_application.h"
 #include "common/text.h"
 #include "common/user_messages.h"
@@ -140,23 +141,8 @@ HRESULT ZCANopenIGNode::ConfirmLeaving(void* parentWindow) {
 
 // ---- settings of the host
 
-void ZCANopenIGNode::FollowSettings() {
-  ReadNumberBase();
-  const auto application = NCommon::HostApplication();
-  if (!application || mHostSettings) return;
-  application->FindEventSource(NSdk::IidOf<NSdk::ISettingEvents>(), mHostSettings.Receive());
-  if (mHostSettings && FAILED(mHostSettings->Advise(Identity(), &mSettingsCookie))) mHostSettings.Reset();
-}
-
-void ZCANopenIGNode::LeaveSettings() {
-  const auto settings = std::move(mHostSettings);
-  if (settings) settings->Unadvise(mSettingsCookie);
-}
-
 void ZCANopenIGNode::ReadNumberBase() {
-  std::uint32_t base = 0;
-  const auto application = NCommon::HostApplication();
-  if (application && SUCCEEDED(application->GetNumberBase(&base))) mHexDisplay = base == 16;
+  if (const auto base = NCommon::HostNumberBase()) mHexDisplay = base == 16;
 }
 
 HRESULT ZCANopenIGNode::OnSettingsChanged() {
@@ -173,7 +159,8 @@ HRESULT ZCANopenIGNode::CreateBlockWindow(NSdk::IWindowSite* site) {
     if (!site) return E_POINTER;
     if (!mView) mView = MakeGeneratorView(*this);
     if (!mView) return E_FAIL;
-    FollowSettings();
+    ReadNumberBase();
+    mHostSettings.Begin<NSdk::ISettingEvents>(Identity());
     const HRESULT result = mView->Create(site);
     if (result != S_OK) return CloseWindow(), result;
     mView->SetCaption(Caption());
@@ -183,7 +170,7 @@ HRESULT ZCANopenIGNode::CreateBlockWindow(NSdk::IWindowSite* site) {
 
 void ZCANopenIGNode::CloseWindow() {
   if (mView) mView->Destroy();
-  LeaveSettings();
+  mHostSettings.End();
 }
 
 HRESULT ZCANopenIGNode::DestroyBlockWindow() {
@@ -191,29 +178,20 @@ HRESULT ZCANopenIGNode::DestroyBlockWindow() {
 }
 
 HRESULT ZCANopenIGNode::GetBlockWindow(void** window) {
-  NCom::ModuleScope scope;
-  if (!window) return E_POINTER;
-  void* const handle = mView ? mView->Handle() : nullptr;
-  if (!handle) return S_FALSE;
-  *window = handle;
-  return S_OK;
+  return NCommon::AnswerBlockWindow(mView ? mView->Handle() : nullptr, window);
 }
 
 HRESULT ZCANopenIGNode::GetSizes(NSdk::WindowSize* preferred, NSdk::WindowSize* minimum) {
-  NCom::ModuleScope scope;
-  if (!preferred || !minimum) return E_POINTER;
-  *preferred = kPreferredSize;
-  *minimum = kMinimumSize;
-  return S_OK;
+  return NCommon::AnswerSizes(kPreferredSize, kMinimumSize, preferred, minimum);
 }
 
-// A measurement that runs goes on with the numbers that it was started with.
 HRESULT ZCANopenIGNode::Configure(void* parentWindow) {
   return NCom::Entry([&]() -> HRESULT {
     GeneratorNumbers numbers = mSettings.numbers;
     const HRESULT result = EditSettings(parentWindow, numbers);
     if (result != S_OK) return result;
     mSettings.numbers = numbers;
+    mGenerator.SetNumbers(numbers);
     mShowsOutput = true;
     ShowCaption();
     return S_OK;

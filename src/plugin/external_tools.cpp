@@ -17,12 +17,6 @@ std::function<bool(const ProgramStart&)>& Starter() {
   return starter;
 }
 
-std::uint32_t Language() {
-  std::uint32_t language = 0;
-  const auto application = NCommon::HostApplication();
-  return application && SUCCEEDED(application->GetLanguage(&language)) ? language : 1;
-}
-
 // Beside the folder of the host's program; ends with a separator.
 std::filesystem::path ToolFolder() {
   return NCommon::HostProgram().parent_path().parent_path() / "CANopen" / "";
@@ -51,15 +45,15 @@ void SetProgramStarter(std::function<bool(const ProgramStart&)> starter) {
 
 void StartQuillon() {
   const std::filesystem::path program = ToolFolder() / "Quillon.exe";
-  if (!Starter()({program, NResources::Print("-s -l %d", Language()), {}})) {
+  if (!Starter()({program, NResources::Print("-s -l %d", NCommon::HostLanguage()), {}})) {
     TellThatItFailed(IDS_TOOL_QUILLON_FAILED, program);
   }
 }
 
 void StartBrackwell() {
   const std::filesystem::path folder = ToolFolder();
-  const std::string parameters = NResources::Print("-f \"%s\" -l %02d -quick 1",
-                                                   NCommon::PathToItemText(ConfiguratorFolder()), Language());
+  const std::string parameters = NResources::Print(
+      "-f \"%s\" -l %02d -quick 1", NCommon::PathToItemText(ConfiguratorFolder()), NCommon::HostLanguage());
   for (const char* program : {"brk.exe", "brkviewer.exe"}) {
     if (Starter()({folder / program, parameters, folder})) return;
   }

@@ -1,5 +1,6 @@
 #include "plugin/language.h"
 
+#include "common/host_application.h"
 #include "common/host_library.h"
 #include "common/user_messages.h"
 #include "plugin/language_library.h"
@@ -10,8 +11,6 @@
 namespace NPlugin {
 namespace {
 
-constexpr std::uint32_t kOwnLanguage = 1;
-
 std::filesystem::path HelpFileOf(const std::filesystem::path& folder, std::uint32_t language) {
   return folder / NResources::Print("Help%02d", language) / "HalvardTesmond.chm";
 }
@@ -20,7 +19,7 @@ std::filesystem::path HelpFileOf(const std::filesystem::path& folder, std::uint3
 
 void UseLanguage(std::uint32_t language) {
   ReleaseLanguage();
-  if (language == kOwnLanguage) return;
+  if (language == NCommon::kEnglish) return;
   const std::wstring name = NResources::Print(L"Ostrel_%02d.%s", language, NCommon::kLibraryExtension);
   if (void* library = LoadLanguageLibrary(NCommon::ModuleFile().parent_path() / name)) {
     NResources::SetLanguageLibrary(library);
@@ -40,7 +39,8 @@ std::filesystem::path FindHelpFile(const std::filesystem::path& module, std::uin
   const std::filesystem::path folder = module.parent_path().parent_path();
   const std::filesystem::path localised = HelpFileOf(folder, language);
   std::error_code ignored;
-  return std::filesystem::is_regular_file(localised, ignored) ? localised : HelpFileOf(folder, kOwnLanguage);
+  return std::filesystem::is_regular_file(localised, ignored) ? localised
+                                                              : HelpFileOf(folder, NCommon::kEnglish);
 }
 
 }  // namespace NPlugin

@@ -53,18 +53,18 @@ std::vector<HostNetwork> HostNetworks(bool simulated) {
   return setup ? SimulationNetworks(*setup) : std::vector<HostNetwork>();
 }
 
-std::uint8_t CommandSpecifier(NmtKind kind) {
+NCanopen::NmtCommand CommandOf(NmtKind kind) {
   switch (kind) {
-    case NmtKind::Operational:
-      return 1;
     case NmtKind::Preoperational:
-      return 128;
+      return NCanopen::NmtCommand::EnterPreOperational;
     case NmtKind::Stop:
-      return 2;
+      return NCanopen::NmtCommand::Stop;
     case NmtKind::Reset:
-      return 129;
+      return NCanopen::NmtCommand::ResetNode;
+    case NmtKind::Operational:
+      break;
   }
-  return 0;
+  return NCanopen::NmtCommand::Start;
 }
 
 // The host has this network, but nothing sends on it.
@@ -93,10 +93,8 @@ std::vector<ZCONetworkEntry> NetworkEntries() {
 
 std::vector<CommandSet::Node> MenuNodes(const std::vector<ZCONetworkEntry>& entries) {
   constexpr std::uint32_t kHexadecimal = 16;
-  std::uint32_t numberBase = 0;
-  const auto application = NCommon::HostApplication();
-  if (application) application->GetNumberBase(&numberBase);
-  const wchar_t* const format = numberBase == kHexadecimal ? L"%s (ID %02X)" : L"%s (ID %d)";
+  const bool hexadecimal = NCommon::HostNumberBase() == kHexadecimal;
+  const wchar_t* const format = hexadecimal ? L"%s (ID %02X)" : L"%s (ID %d)";
   std::vector<CommandSet::Node> nodes;
   for (std::size_t network = 0; network < entries.size(); ++network) {
     const std::wstring prefix = entries.size() > 1 ? entries[network].name + L"::" : std::wstring();
@@ -110,13 +108,12 @@ std::vector<CommandSet::Node> MenuNodes(const std::vector<ZCONetworkEntry>& entr
 }
 
 void DispatchNmt(NmtKind kind, std::uint8_t network, std::uint8_t target) {
-  constexpr std::uint8_t kLastNode = 127;
   const std::vector<ZCONetworkEntry> entries = NetworkEntries();
   if (network == kNoNetwork || network > entries.size()) return TellThatABlockIsMissing(network);
   NNmt::ZNMTTransmitter transmitter;
   transmitter.Bind(entries[network - 1u].block.Get(), entries[network - 1u].name);
-  const std::uint8_t command = CommandSpecifier(kind);
-  if (target > kLastNode) {
+  const auto command = static_cast<std::uint8_t>(CommandOf(kind));
+  if (target > NCanopen::kLastNodeId) {
     NNmt::AskForNodes(transmitter, command);
   } else {
     const NNmt::NmtRequest request{command, target};

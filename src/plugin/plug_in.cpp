@@ -24,17 +24,6 @@ constexpr std::uint32_t kOfferedToUser = 1;
 constexpr std::uint32_t kGeneratorImage = 15;
 constexpr std::uint32_t kScannerImage = 14;
 
-NSdk::HostVariant Variant(NSdk::IHostApplication& application) {
-  std::uint32_t variant = 0;
-  const bool answered = SUCCEEDED(application.GetVariant(&variant));
-  return answered && variant == NSdk::kHostHalvard ? NSdk::kHostHalvard : NSdk::kHostTesmond;
-}
-
-std::uint32_t Language(NSdk::IHostApplication& application) {
-  std::uint32_t language = 0;
-  return SUCCEEDED(application.GetLanguage(&language)) ? language : 1;
-}
-
 void RegisterBlockType(NSdk::IBlockTypeRegistry& registry, NSdk::BlockCategory category, std::uint32_t image,
                        const char* progId, std::uint32_t nameId) {
   const std::wstring wideProgId = NCommon::ToWide(progId);
@@ -44,10 +33,10 @@ void RegisterBlockType(NSdk::IBlockTypeRegistry& registry, NSdk::BlockCategory c
 }
 
 // Generators belong into a simulation setup; a host without one does not offer them for insertion.
-void RegisterBlockTypes(NSdk::IHostApplication& application) {
+void RegisterBlockTypes() {
   const auto registry = NCommon::HostService<NSdk::IBlockTypeRegistry>();
   if (!registry) return;
-  if (Variant(application) == NSdk::kHostHalvard) {
+  if (NCommon::HasSimulationSetup()) {
     RegisterBlockType(*registry, NSdk::kBlockCategorySimulation, kGeneratorImage, NSdk::kProgIdCANopenIG,
                       IDS_IG_BLOCK_NAME);
   }
@@ -69,9 +58,7 @@ const wchar_t* InsertCommandFor(IUnknown* item) {
     return NCom::QueryFor<NSdk::ISimulationItem>(item) ? nullptr : L"Insert.CANopenScanner";
   }
   std::uint32_t type = 0;
-  const auto application = NCommon::HostApplication();
-  const bool fits = application && Variant(*application) == NSdk::kHostTesmond &&
-                    SUCCEEDED(sendItem->GetItemType(&type)) &&
+  const bool fits = !NCommon::HasSimulationSetup() && SUCCEEDED(sendItem->GetItemType(&type)) &&
                     (type == NSdk::kSetupItemHotSpot || type == NSdk::kSetupItemBlock);
   return fits ? L"Insert.CANopenIG" : nullptr;
 }
@@ -101,12 +88,12 @@ HRESULT ZPlugIn::Initialise(NSdk::IHostApplication* application) {
     Unbind();
     NCommon::SetHostApplication(application);
     if (!application) return;
-    const std::uint32_t language = Language(*application);
+    const std::uint32_t language = NCommon::HostLanguage();
     UseLanguage(language);
     NCommon::SetHelpFile(FindHelpFile(NCommon::ModuleFile(), language));
     AddCommands();
-    FollowHost();
-    RegisterBlockTypes(*application);
+    mHostEvents.Begin<NSdk::IApplicationEvents>(Identity());
+    RegisterBlockTypes();
   });
 }
 
@@ -118,12 +105,6 @@ void ZPlugIn::AddCommands() {
   mCommands->Register(*mRegistry);
 }
 
-void ZPlugIn::FollowHost() {
-  const auto application = NCommon::HostApplication();
-  application->FindEventSource(NSdk::IidOf<NSdk::IApplicationEvents>(), mHostEvents.Receive());
-  if (mHostEvents) mHostEvents->Advise(Identity(), &mHostEventsCookie);
-}
-
 HRESULT ZPlugIn::ShutDown() {
   return NCom::Entry([&] { Unbind(); });
 }
@@ -132,8 +113,7 @@ HRESULT ZPlugIn::ShutDown() {
 void ZPlugIn::Unbind() {
   if (mCommands) mCommands->Withdraw(*mRegistry);
   mCommands.reset();
-  if (mHostEvents) mHostEvents->Unadvise(mHostEventsCookie);
-  mHostEvents.Reset();
+  mHostEvents.End();
   if (mRegistry) mRegistry->Unadvise(mRegistryCookie);
   mRegistry.Reset();
   NChannels::ReleaseChannelManager();

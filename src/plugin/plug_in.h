@@ -4,6 +4,7 @@
 
 #include "com/com_ptr.h"
 #include "com/implements.h"
+#include "common/event_subscription.h"
 #include "plugin/commands.h"
 #include "sdk/database_nodes.h"
 #include "sdk/plugin.h"
@@ -51,13 +52,11 @@ class ZPlugIn final
 
  private:
   void AddCommands();
-  void FollowHost();
   void Unbind();
 
   std::optional<CommandSet> mCommands;
   NCom::ComPtr<NSdk::ICommandRegistry> mRegistry;
-  NCom::ComPtr<NSdk::IEventSource> mHostEvents;
-  std::uint32_t mHostEventsCookie = 0;
+  NCommon::EventSubscription mHostEvents;
   std::uint32_t mRegistryCookie = 0;
 };
 

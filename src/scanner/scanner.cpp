@@ -5,6 +5,7 @@
 #include "canopen/vocabulary.h"
 #include "com/entry.h"
 #include "com/task_text.h"
+#include "common/block_window.h"
 #include "common/text.h"
 #include "resources/resource_ids.h"
 #include "resources/text.h"
@@ -262,23 +263,12 @@ HRESULT ZCANopenScanner::DestroyBlockWindow() {
 }
 
 HRESULT ZCANopenScanner::GetBlockWindow(void** window) {
-  NCom::ModuleScope scope;
-  if (!window) return E_POINTER;
-  void* const handle = mView ? mView->Handle() : nullptr;
-  if (!handle) return S_FALSE;
-  *window = handle;
-  return S_OK;
+  return NCommon::AnswerBlockWindow(mView ? mView->Handle() : nullptr, window);
 }
 
 HRESULT ZCANopenScanner::GetSizes(NSdk::WindowSize* preferred, NSdk::WindowSize* minimum) {
-  return NCom::Entry([&]() -> HRESULT {
-    constexpr NSdk::WindowSize kMinimum = {160, 80};
-    if (!preferred || !minimum) return E_POINTER;
-    if (!mView) return E_FAIL;
-    *preferred = mView->PreferredSize();
-    *minimum = kMinimum;
-    return S_OK;
-  });
+  constexpr NSdk::WindowSize kMinimum = {160, 80};
+  return mView ? NCommon::AnswerSizes(mView->PreferredSize(), kMinimum, preferred, minimum) : E_FAIL;
 }
 
 HRESULT ZCANopenScanner::Configure(void*) {

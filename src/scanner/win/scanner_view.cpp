@@ -76,7 +76,8 @@ bool ZCANopenScannerView::OnInit() {
   ListView_SetExtendedListViewStyle(list, LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER);
   mTip.Attach(list, [this](int row) { return ToolTip(NodeOf(row).Get()); });
   FetchNodes();
-  FollowSettings();
+  ReadNumberBase();
+  mSettings.Begin<NSdk::ISettingEvents>(Identity());
   SetTimer(Window(), kRefreshTimer, kRefresh_ms, nullptr);
   return true;
 }
@@ -85,8 +86,7 @@ void ZCANopenScannerView::OnDestroy() {
   ZResizeableDialog::OnDestroy();
   KillTimer(Window(), kRefreshTimer);
   mTip.Detach();
-  if (mSettings) mSettings->Unadvise(mSettingsCookie);
-  mSettings.Reset();
+  mSettings.End();
   ListView_SetImageList(Control(IDC_SCAN_NODES), nullptr, LVSIL_SMALL);
   mImages.Reset();
   mNodes.Reset();
@@ -94,19 +94,7 @@ void ZCANopenScannerView::OnDestroy() {
 
 // ---- settings of the host
 
-void ZCANopenScannerView::FollowSettings() {
-  ReadNumberBase();
-  const auto application = NCommon::HostApplication();
-  if (!application) return;
-  application->FindEventSource(NSdk::IidOf<NSdk::ISettingEvents>(), mSettings.Receive());
-  if (mSettings && FAILED(mSettings->Advise(Identity(), &mSettingsCookie))) mSettings.Reset();
-}
-
-void ZCANopenScannerView::ReadNumberBase() {
-  std::uint32_t base = 0;
-  const auto application = NCommon::HostApplication();
-  if (application && SUCCEEDED(application->GetNumberBase(&base))) mNumberBase = base;
-}
+void ZCANopenScannerView::ReadNumberBase() { mNumberBase = NCommon::HostNumberBase().value_or(mNumberBase); }
 
 HRESULT ZCANopenScannerView::OnSettingsChanged() {
   return NCom::Entry([&] {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/event_subscription.h"
 #include "common/win/image_list.h"
 #include "common/win/resizeable_dialog.h"
 #include "common/win/row_tip.h"
@@ -43,7 +44,6 @@ class ZCANopenScannerView final : public ScannerWindow, private NCommon::ZResize
   std::optional<LRESULT> OnNotify(NMHDR& notification) override;
   std::optional<LRESULT> OnMessage(UINT message, WPARAM wide, LPARAM lng) override;
 
-  void FollowSettings();
   void ReadNumberBase();
   void FetchNodes();
   NCom::ComPtr<NSdk::ICANopenNode> NodeOf(int row) const;
@@ -55,8 +55,7 @@ class ZCANopenScannerView final : public ScannerWindow, private NCommon::ZResize
   NCom::ComPtr<ZCANopenModel> mModel;
   NCom::ComPtr<NSdk::IArray> mNodes;  // as last fetched
   std::uint32_t mNumberBase = 10;
-  NCom::ComPtr<NSdk::IEventSource> mSettings;
-  std::uint32_t mSettingsCookie = 0;
+  NCommon::EventSubscription mSettings;
   NCommon::ImageList mImages;
   NCommon::RowTip mTip;
 };
