@@ -1,6 +1,8 @@
 #include "channels/channel_manager.h"
 
 #include <algorithm>
+#include <memory>
+#include <utility>
 
 #include "channels/database_library.h"
 #include "com/entry.h"
@@ -83,11 +85,17 @@ ZChannelManager::ZChannelManager() : mSink(NCom::Make<Sink>()) {
   mEvents.Begin<NSdk::IDatabaseSetupEvents>(mSink->Identity());
 }
 
+// What is known of a channel follows it to another place when others come or go.
 std::uint32_t ZChannelManager::ChannelCount() {
-  std::uint32_t count = 0;
+  const auto known = std::exchange(mChannels, {});
   const auto configuration = NCommon::HostService<NSdk::IConfigurationService>();
+  std::uint32_t count = 0;
+  std::uint32_t number = 0;
   while (configuration && count < mChannels.size() &&
-         configuration->GetCanChannel(count + 1, &mChannels[count].number) == S_OK) {
+         configuration->GetCanChannel(count + 1, &number) == S_OK) {
+    const auto same = std::find_if(known.begin(), known.end(),
+                                   [&](const Channel& channel) { return channel.number == number; });
+    mChannels[count] = same != known.end() ? *same : Channel{number};
     ++count;
   }
   return count;

@@ -1,7 +1,6 @@
 #include "editors/number_entry.h"
 
 #include <limits>
-#include <optional>
 
 #include "canopen/vocabulary.h"
 #include "editors/integer_text.h"

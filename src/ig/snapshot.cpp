@@ -8,8 +8,8 @@
 namespace NIg {
 namespace {
 
-// Only enabled items reach a snapshot, and nobody can disable one of a list that is being sent but the host;
-// ask again.
+// Only enabled items reach a snapshot; while it is being sent the host alone can disable one, so it is asked
+// again.
 const NCanopen::ZCycSendStateItemInfo* EnabledSwitch(const SnapshotEntry& entry) {
   const auto* item = dynamic_cast<const NCanopen::ZCycSendStateItemInfo*>(entry.item);
   return item && item->IsEnabled() ? item : nullptr;

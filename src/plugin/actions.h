@@ -11,7 +11,8 @@ class ZPlugIn;
 
 class ZActionInsertScanner final : public ZAction<ZPlugIn, IDS_SCAN_INSERT, IDS_SCAN_INSERT_TIP, 0, 0, 0, 0> {
  public:
-  explicit ZActionInsertScanner(ZPlugIn& owner) : ZAction(owner, L"Insert.CANopenScanner") {}
+  static constexpr wchar_t kName[] = L"Insert.CANopenScanner";
+  explicit ZActionInsertScanner(ZPlugIn& owner) : ZAction(owner, kName) {}
   HRESULT STDMETHODCALLTYPE Execute(IUnknown* context) override;
   HRESULT STDMETHODCALLTYPE GetState(std::uint32_t* state) override;
 };
@@ -19,7 +20,8 @@ class ZActionInsertScanner final : public ZAction<ZPlugIn, IDS_SCAN_INSERT, IDS_
 class ZActionInsertSeqGenerator final
     : public ZAction<ZPlugIn, IDS_IG_INSERT, IDS_IG_INSERT_TIP, 0, 0, 0, 0> {
  public:
-  explicit ZActionInsertSeqGenerator(ZPlugIn& owner) : ZAction(owner, L"Insert.CANopenIG") {}
+  static constexpr wchar_t kName[] = L"Insert.CANopenIG";
+  explicit ZActionInsertSeqGenerator(ZPlugIn& owner) : ZAction(owner, kName) {}
   HRESULT STDMETHODCALLTYPE Execute(IUnknown* context) override;
   HRESULT STDMETHODCALLTYPE GetState(std::uint32_t* state) override;
 };

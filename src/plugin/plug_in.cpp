@@ -55,12 +55,12 @@ bool HasCanChannels() {
 const wchar_t* InsertCommandFor(IUnknown* item) {
   const auto sendItem = NCom::QueryFor<NSdk::ISendLineItem>(item);
   if (!sendItem) {
-    return NCom::QueryFor<NSdk::ISimulationItem>(item) ? nullptr : L"Insert.CANopenScanner";
+    return NCom::QueryFor<NSdk::ISimulationItem>(item) ? nullptr : ZActionInsertScanner::kName;
   }
   std::uint32_t type = 0;
   const bool fits = !NCommon::HasSimulationSetup() && SUCCEEDED(sendItem->GetItemType(&type)) &&
                     (type == NSdk::kSetupItemHotSpot || type == NSdk::kSetupItemBlock);
-  return fits ? L"Insert.CANopenIG" : nullptr;
+  return fits ? ZActionInsertSeqGenerator::kName : nullptr;
 }
 
 }  // namespace

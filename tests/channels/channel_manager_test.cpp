@@ -96,6 +96,9 @@ TEST_F(ChannelManager, DatabasesOfAChannelAddUpAndAreReadOncePerChange) {
   host->databases.clear();
   EXPECT_THAT(Channels(), ElementsAre("CAN 4", "CAN 1", "CAN 2 (CANopen) J"));
   EXPECT_EQ(host->queries, queries);
+  host->channels = {2, 4, 1};
+  EXPECT_THAT(Channels(), ElementsAre("CAN 2 (CANopen) J", "CAN 4", "CAN 1")) << "marks follow their channel";
+  host->channels = {4, 1, 2};
   host->sink->OnDatabaseSetupChanged();
   EXPECT_THAT(Channels(), ElementsAre("CAN 4", "CAN 1", "CAN 2"));
 

@@ -1,7 +1,5 @@
 #include "common/win/dialog.h"
 
-#include <utility>
-
 #include "com/module_scope.h"
 #include "common/placement.h"
 #include "common/win/dialog_template.h"

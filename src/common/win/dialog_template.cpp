@@ -1,7 +1,6 @@
 #include "common/win/dialog_template.h"
 
 #include <cstring>
-#include <optional>
 
 #include "common/win/dpi.h"
 #include "common/win/resources.h"

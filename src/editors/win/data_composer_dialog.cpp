@@ -3,8 +3,6 @@
 #include <commdlg.h>
 
 #include <array>
-#include <iterator>
-#include <string_view>
 
 #include "common/text.h"
 #include "common/user_messages.h"

@@ -1,6 +1,7 @@
 #include "editors/win/item_editor.h"
 
 #include <algorithm>
+#include <string_view>
 
 #include "common/text.h"
 #include "common/win/help.h"

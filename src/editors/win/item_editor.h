@@ -3,7 +3,6 @@
 // are the item form's; a dialog has its template, and its controls are found by the fields they show.
 
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "common/win/dialog.h"

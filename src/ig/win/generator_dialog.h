@@ -1,7 +1,5 @@
 #pragma once
 
-#include <array>
-#include <functional>
 #include <list>
 
 #include "common/win/dialog.h"

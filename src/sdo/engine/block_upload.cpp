@@ -1,7 +1,5 @@
 // Block upload (CiA 301, 7.2.4.2.11 to 7.2.4.2.14).
 
-#include <algorithm>
-
 #include "sdo/engine/crc.h"
 #include "sdo/engine/transfer.h"
 
