@@ -120,10 +120,7 @@ void ZNMTNodeSelDlg::SendToSelected(std::uint8_t command) {
   for (const LPARAM nodeId : NCommon::SelectedData(Control(IDC_NMT_NODES))) {
     mQueue.push_back({command, static_cast<std::uint8_t>(nodeId)});
   }
-  if (!mSending && !mQueue.empty()) {
-    mSending = SetTimer(Window(), kSendTimer, mDelay_ms, nullptr) != 0;
-    SendNext();
-  }
+  if (!mSending && !mQueue.empty()) SendNext();
 }
 
 // The timer goes on for one more turn behind the last command, so that the next one keeps its distance as
@@ -140,6 +137,9 @@ void ZNMTNodeSelDlg::SendNext() {
   const NmtRequest request = mQueue.front();
   mQueue.pop_front();
   mTransmitter.SendCommand(&request);
+  // From the command that has just left: a timer that went on by itself would follow a late turn with an
+  // early one.
+  mSending = SetTimer(Window(), kSendTimer, mDelay_ms, nullptr) != 0;
 }
 
 void ZNMTNodeSelDlg::Close() {
