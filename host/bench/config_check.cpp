@@ -6,7 +6,6 @@
 #include "host/bench/generator_block.h"
 #include "host/bench/node_words.h"
 #include "host/bench/unobserved.h"
-#include "host/configuration/document_paths.h"
 #include "host/devices/described_objects.h"
 #include "host/runtime/library_objects.h"
 #include "host/runtime/persistence.h"
@@ -155,7 +154,10 @@ void Checker::CheckBlock(Host& host, const std::string& place, const NConfigurat
   if (FAILED(persistent->Load(reader.Get()))) Fault(place + "/settings", "the block refuses its settings");
   mMessage = "the sequence file cannot be loaded";
   const auto generator = NRuntime::Query<NSdk::IGenerator>(object);
-  if (generator && FAILED(generator->ReloadSequence())) Fault(place + "/settings", mMessage);
+  if (generator && FAILED(generator->ReloadSequence())) {
+    const std::string reason = WhyNotLoaded(*generator, settings, mOptions.configuration);
+    Fault(place + "/settings", mMessage + (reason.empty() ? "" : ": " + reason));
+  }
   attached->Detach();
 }
 

@@ -6,6 +6,7 @@
 #include <fstream>
 #include <stdexcept>
 
+#include "host/configuration/document_paths.h"
 #include "host/runtime/text.h"
 #include "sdk/class_ids.h"
 
@@ -119,6 +120,24 @@ void TakeSettings(const NConfiguration::Block& block, NRuntime::Settings& settin
     settings.Set(NRuntime::ToWide(key), NRuntime::ToWide(value));
 }
 
+std::string WhyNotLoaded(NSdk::IGenerator& generator, const NRuntime::Settings& settings,
+                         const std::filesystem::path& configuration) {
+  const auto remembered = [&](const wchar_t* key) {
+    const std::wstring* const text = settings.Find(key);
+    return NRuntime::ToPath(text ? NRuntime::ToUtf8(*text) : "");
+  };
+  std::filesystem::path file = remembered(L"LastCOIGSequenceRel");
+  if (file.empty() || configuration.empty()) {
+    file = remembered(L"LastCOIGSequenceAbs");
+  } else {
+    file = NConfiguration::ResolvePath(NConfiguration::FolderOf(configuration), file);
+  }
+  NRuntime::ReceivedText reason;
+  if (file.empty()) return {};
+  generator.LoadSequence(NRuntime::ToWide(NRuntime::PathText(file)).c_str(), reason.Out());
+  return OneLine(NRuntime::ToUtf8(reason.Text()));
+}
+
 GeneratorBlock::GeneratorBlock(const NRuntime::Application& application, NRuntime::Setup& setup,
                                const NRuntime::Settings& settings, GeneratorListener& listener)
     : mInserted(application, setup, L"Insert.CANopenIG"),
@@ -141,7 +160,7 @@ void GeneratorBlock::LoadSequence(const std::filesystem::path& path) {
   const std::wstring absolute = NRuntime::ToWide(NRuntime::PathText(std::filesystem::absolute(path)));
   NRuntime::ReceivedText reason;
   if (SUCCEEDED(mGenerator->LoadSequence(absolute.c_str(), reason.Out()))) return;
-  const std::string text = OneLine(NRuntime::ToUtf8(std::wstring_view(reason.Text())));
+  const std::string text = OneLine(NRuntime::ToUtf8(reason.Text()));
   throw std::runtime_error(NRuntime::PathText(path) + ": " +
                            (text.empty() ? "the module cannot load it" : text));
 }

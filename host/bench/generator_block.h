@@ -32,6 +32,12 @@ NRuntime::Settings GeneratorSettings(const HostOptions& options);
 /// These, and behind them those of the configuration's further generator blocks.
 std::vector<NRuntime::Settings> AllGeneratorSettings(const HostOptions& options);
 
+/// Why a generator has not loaded the sequence that its settings remember, in one line without the file:
+/// "line 2, column 1: unexpected end of input". Empty: it does not say. The way to the sequence starts from
+/// the configuration's file, if there is one.
+std::string WhyNotLoaded(NSdk::IGenerator& generator, const NRuntime::Settings& settings,
+                         const std::filesystem::path& configuration);
+
 /// A generator block of the module, as long as it is in the setup.
 class GeneratorBlock {
  public:
@@ -48,6 +54,10 @@ class GeneratorBlock {
   /// Loads the file that the settings remember. False: none is remembered, or it cannot be loaded, of which
   /// the module has a message.
   bool ReloadSequence();
+  /// Why not, as far as the block says.
+  std::string WhyNotLoaded(const std::filesystem::path& configuration) const {
+    return NBench::WhyNotLoaded(*mGenerator, Settings(), configuration);
+  }
   /// Empty: none was loaded.
   std::filesystem::path SequenceFile() const;
   /// As a configuration keeps them.

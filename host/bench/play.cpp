@@ -103,8 +103,10 @@ void Player::LoadSequence() {
   mLoadFault = &fault;
   const bool loaded = mGenerator.ReloadSequence();
   mLoadFault = nullptr;
-  if (!loaded)
-    throw std::runtime_error(NRuntime::PathText(mOptions.host.configuration) + ": " + OneLine(fault));
+  if (loaded) return;
+  const std::string reason = mGenerator.WhyNotLoaded(mOptions.host.configuration);
+  throw std::runtime_error(NRuntime::PathText(mOptions.host.configuration) + ": " + OneLine(fault) +
+                           (reason.empty() ? "" : ": " + reason));
 }
 
 ExitStatus Player::Run() {

@@ -62,7 +62,10 @@ ShellSession::ShellSession(const ShellOptions& options, Wishes& wishes, ShellOut
   for (const GeneratorOption& option : options.generators) {
     mNames.push_back(option.name);
     mGenerators.push_back(std::make_unique<Generator>(*this, option.settings));
-    mGenerators.back()->Block().ReloadSequence();
+    GeneratorBlock& block = mGenerators.back()->Block();
+    if (block.ReloadSequence()) continue;
+    const std::string reason = block.WhyNotLoaded(options.host.configuration);
+    if (!reason.empty()) mOutput.complain(option.name + ": " + reason);
   }
 }
 

@@ -116,7 +116,12 @@ TEST_F(Config, IsRefusedWhenItCannotBeUsed) {
   ExpectRefusal(config + "scan " + config, "named twice");
   ExpectRefusal("scan --log " + NTest::Quoted(file) + config, "plant.json: this file is a part of");
   WriteWithSequence("none.seq", "4");
-  ExpectRefusal("play " + config, "none.seq cannot be loaded");
+  ExpectRefusal("play " + config, "none.seq cannot be loaded: ");
+  NTest::WriteFile(plant / "broken.seq", "<CANopenIG>\n");
+  WriteWithSequence("broken.seq", "4");
+  ExpectRefusal("play " + config, "broken.seq cannot be loaded: line 2, column 1: ");
+  EXPECT_THAT(Run("config check " + NTest::Quoted(file)).errors,
+              HasSubstr("cannot be loaded: line 2, column 1: "));
   WriteWithSequence("it.seq", "3");
   ExpectRefusal("play " + config,
                 "CANChannel of the generator 3: there is no such CAN channel (channels: 4, 2)");
