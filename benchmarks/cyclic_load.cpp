@@ -1,9 +1,7 @@
 #include "benchmarks/cyclic_load.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstdio>
-#include <cstdlib>
 #include <ctime>
 #include <fstream>
 #include <map>

@@ -7,7 +7,6 @@
 #include <ctime>
 #include <fstream>
 #include <random>
-#include <string>
 #include <vector>
 
 #include "benchmarks/allocations.h"

@@ -1,7 +1,6 @@
 #include <stdexcept>
 
 #include "host/bench/config.h"
-#include "host/bench/console.h"
 #include "host/bench/generator_block.h"
 #include "host/configuration/document_paths.h"
 #include "host/runtime/text.h"

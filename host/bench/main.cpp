@@ -1,5 +1,3 @@
-#include <stdexcept>
-
 #include "host/bench/console.h"
 #include "host/bench/options.h"
 #include "host/runtime/crash_report.h"

@@ -7,7 +7,6 @@
 #include "host/bench/generator_block.h"
 #include "host/bench/nmt_order.h"
 #include "host/bench/stop_request.h"
-#include "host/buses/bus_factory.h"
 #include "host/buses/candump.h"
 
 namespace NBench {

@@ -1,7 +1,5 @@
 #include "host/bench/nodes.h"
 
-#include <algorithm>
-
 #include "host/bench/console.h"
 #include "host/bench/node_document.h"
 #include "host/bench/node_list.h"

@@ -16,7 +16,6 @@
 #include "host/bench/scan_options.h"
 #include "host/bench/serve.h"
 #include "host/bench/shell.h"
-#include "host/runtime/text.h"
 
 namespace NBench {
 namespace {

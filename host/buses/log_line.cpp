@@ -1,6 +1,6 @@
 #include "host/buses/log_line.h"
 
-#include <optional>
+#include <algorithm>
 
 namespace NBuses {
 namespace {

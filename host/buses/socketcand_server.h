@@ -2,7 +2,6 @@
 
 #include <asio/ip/tcp.hpp>
 
-#include <deque>
 #include <functional>
 #include <memory>
 #include <string>

@@ -3,7 +3,6 @@
 #include <asio/ip/tcp.hpp>
 
 #include <array>
-#include <chrono>
 #include <memory>
 #include <string>
 

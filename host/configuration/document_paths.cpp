@@ -51,10 +51,6 @@ path ResolvePath(const path& folder, const path& file) {
   return (folder / NRuntime::ToPath(text)).lexically_normal();
 }
 
-std::string ResolveBus(const path& folder, const std::string& word) {
-  return ChangeLog(word, [&](const path& file) { return ResolvePath(folder, file); });
-}
-
 Document Resolved(Document document, const path& folder) {
   return ChangePaths(std::move(document), [&](const path& file) { return ResolvePath(folder, file); });
 }

@@ -2,7 +2,6 @@
 // Where the files are that a configuration names. Its own folder is what relative paths start from.
 
 #include <filesystem>
-#include <string>
 
 #include "host/configuration/document.h"
 
@@ -14,9 +13,7 @@ std::filesystem::path FolderOf(const std::filesystem::path& file);
 /// Where the file is that a configuration in `folder` calls `path`. Backslashes separate folders on every
 /// system, unless a file of that very name is there.
 std::filesystem::path ResolvePath(const std::filesystem::path& folder, const std::filesystem::path& path);
-/// The same for the log of a bus word that replays one; other words come back as they are.
-std::string ResolveBus(const std::filesystem::path& folder, const std::string& word);
-/// The document with every path resolved, for use.
+/// The document with every path resolved, for use; logs that buses replay included.
 Document Resolved(Document document, const std::filesystem::path& folder);
 
 /// The document for another folder: its relative paths lead to the same files from there. A file that no

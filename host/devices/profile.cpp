@@ -2,7 +2,6 @@
 
 #include <string_view>
 
-#include "host/devices/cob_id.h"
 #include "host/devices/pdo_mapping.h"
 
 namespace NDevices {

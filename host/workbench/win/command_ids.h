@@ -35,8 +35,6 @@ enum CommandId : int {
   kLastPlugInCommand = 1999,
   kFirstDropDown = 2000,  ///< items that a plug-in's drop-down numbers itself
   kLastDropDown = 2999,
-  kFirstBlockType = 3000,  ///< behind it, the position among the block types
-  kLastBlockType = 3099,
   kFirstChild = 50000,  ///< entries that the system adds for the windows inside
 };
 
