@@ -21,6 +21,9 @@ target_compile_options(ostrel_compile INTERFACE
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # What GCC 12 supposes of the bounds of std::string once all is inlined is often wrong; the sanitizers look for themselves.
   target_compile_options(ostrel_compile INTERFACE -Wno-array-bounds -Wno-restrict -Wno-stringop-overflow -Wno-stringop-overread)
+else()
+  # Clang takes changes of sign for conversions.
+  target_compile_options(ostrel_compile INTERFACE -Wno-sign-conversion)
 endif()
 if(WIN32)
   target_compile_definitions(ostrel_compile INTERFACE
