@@ -53,7 +53,8 @@ std::string WindowText(const NConfiguration::Window& window) {
 
 std::string BlockText(const NConfiguration::Block& block) {
   std::string text = '\n' + Line("Block " + block.progId);
-  for (const auto& [key, value] : block.settings) text += Line("  " + key + " = " + value);
+  for (const auto& [key, value] : block.settings)
+    text += Line(std::string("  ").append(key).append(" = ").append(value));
   if (block.window) text += "  window " + WindowText(*block.window) + '\n';
   return text;
 }

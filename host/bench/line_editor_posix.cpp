@@ -2,11 +2,11 @@
 // loop.
 #include <histedit.h>
 #include <unistd.h>
-#include <wchar.h>
 
 #include <algorithm>
 #include <clocale>
 #include <cstdlib>
+#include <cwchar>
 #include <exception>
 #include <stdexcept>
 #include <string_view>
@@ -44,7 +44,7 @@ struct EndHistory {
 class TerminalSource final : public LineSource {
  public:
   TerminalSource(NRuntime::AsioLoop& loop, Wishes& wishes, Completer completer,
-                 const std::filesystem::path& history);
+                 std::filesystem::path history);
 
   std::optional<std::string> Next() override;
   void MakeRoom() override;
@@ -80,11 +80,11 @@ class TerminalSource final : public LineSource {
 };
 
 TerminalSource::TerminalSource(NRuntime::AsioLoop& loop, Wishes& wishes, Completer completer,
-                               const std::filesystem::path& history)
+                               std::filesystem::path history)
     : mLoop(loop),
       mWishes(wishes),
       mCompleter(std::move(completer)),
-      mHistoryFile(history),
+      mHistoryFile(std::move(history)),
       mInput(loop),
       mHistory(history_init()),
       mPlain(IsPlainTerminal()) {
@@ -163,7 +163,7 @@ int TerminalSource::OnWantCharacter(EditLine* edit, wchar_t* character) {
 // 1: a character, 0: none, the line is given up.
 int TerminalSource::Character(wchar_t& character) {
   std::mbstate_t state = {};
-  for (char byte; Byte(byte);) {
+  for (char byte = 0; Byte(byte);) {
     const std::size_t size = std::mbrtowc(&character, &byte, 1, &state);
     if (size == static_cast<std::size_t>(-1)) {
       state = {};  // no character: passed over

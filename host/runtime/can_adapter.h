@@ -34,7 +34,7 @@ class CanAdapter {
   virtual ~CanAdapter() = default;
   /// Does what of Open() takes long, without holding up the loop. `done` is called once, from inside the call
   /// or later, and possibly after Close(); it goes when nothing of the adapter waits any more.
-  virtual void Prepare(Prepared done) { done({}); }
+  virtual void Prepare(Prepared done) { done({}); }  // NOLINT(performance-unnecessary-value-param)
   /// Joins the bus. Throws std::runtime_error in words for the user; the adapter is then closed.
   virtual void Open(CanAdapterEvents& events) = 0;
   /// Leaves it; no event comes afterwards. Nothing happens when it is closed.
