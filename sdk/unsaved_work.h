@@ -16,4 +16,21 @@ struct IUnsavedWork : IUnknown {
   virtual HRESULT STDMETHODCALLTYPE ConfirmLeaving(void* parentWindow) = 0;
 };
 
+/// Implemented by a block whose unsaved work can be put aside and taken up again, so that it outlives the end
+/// of its host, whatever that end is. A host keeps a copy up to date and offers the last one at its next
+/// start.
+struct IWorkCopy : IUnknown {
+  static constexpr IID kIid = {0x206d95ed, 0x0d91, 0x49b4, {0x9a, 0x5e, 0x2f, 0xc0, 0x56, 0x48, 0xc7, 0xc9}};
+
+  /// 0: nothing is unsaved. Any other number stands for one state of the work.
+  virtual HRESULT STDMETHODCALLTYPE GetUnsavedState(std::uint32_t* state) = 0;
+  /// Writes the work into a file; what the block counts as saved, and where, stays as it is. S_FALSE: nothing
+  /// is unsaved, nothing written. E_FAIL: it cannot be written.
+  virtual HRESULT STDMETHODCALLTYPE WriteCopy(const wchar_t* path) = 0;
+  /// Takes such a file in place of the work that it has; it is unsaved then. The block's settings are there,
+  /// and tell which file of its user's it belongs to. E_FAIL, nothing changed: it cannot be read, or the
+  /// block is busy.
+  virtual HRESULT STDMETHODCALLTYPE TakeCopy(const wchar_t* path) = 0;
+};
+
 }  // namespace NSdk

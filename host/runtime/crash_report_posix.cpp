@@ -20,6 +20,7 @@ namespace {
 char gFile[4096];
 char gHeading[256];
 char gException[512];
+void (*gAfterwards)() = nullptr;
 constexpr std::size_t kStackSize = 64 * 1024;
 alignas(16) char gStack[kStackSize];  // the program's own may be what has run out
 constexpr int kMostCalls = 64;
@@ -73,6 +74,7 @@ void OnCrash(int number) {
     Say(STDERR_FILENO, gFile);
     Say(STDERR_FILENO, "\n");
   }
+  if (gAfterwards) gAfterwards();
   // The handler was for one time: the second goes the way that the first would have gone without it.
   std::raise(number);
 }
@@ -85,11 +87,13 @@ void OnCrash(int number) {
 
 }  // namespace
 
-void ReportCrashes(const char* program, const char* version, const std::filesystem::path& folder) {
-  if (folder.empty()) return;
+std::filesystem::path ReportCrashes(const char* program, const char* version,
+                                    const std::filesystem::path& folder, void (*afterwards)()) {
+  if (folder.empty()) return {};
   const std::string file =
       folder / (std::string(program) + "-crash-" + std::to_string(static_cast<long>(getpid())) + ".txt");
-  if (file.size() >= sizeof gFile) return;
+  if (file.size() >= sizeof gFile) return {};
+  gAfterwards = afterwards;
   std::snprintf(gFile, sizeof gFile, "%s", file.c_str());
   std::snprintf(gHeading, sizeof gHeading, "%s %s has crashed: ", program, version);
   void* first[1];
@@ -103,6 +107,7 @@ void ReportCrashes(const char* program, const char* version, const std::filesyst
     sigaction(number, &action, nullptr);
   }
   std::set_terminate(OnTerminate);
+  return file;
 }
 
 std::filesystem::path StateFolder() {

@@ -2,6 +2,7 @@
 
 #include <dbghelp.h>
 
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
@@ -21,9 +22,11 @@ wchar_t gDump[MAX_PATH * 2];
 char gFileName[MAX_PATH];  // of the text, to be said
 char gHeading[256];
 char gException[512];
+void (*gAfterwards)() = nullptr;
+LONG gThread = 0;  // that has crashed
 constexpr USHORT kMostCalls = 62;
 constexpr ULONG kRoom = 128 * 1024;  // on the stack, kept for the report of its overflow
-constexpr DWORD kPatience_ms = 20'000;
+constexpr DWORD kPatience_ms = 60'000;
 constexpr DWORD kAborted = 0xE0000001;  // of our own
 
 using WriteDump = decltype(&MiniDumpWriteDump);
@@ -68,30 +71,38 @@ struct Dump {
   DWORD thread;
 };
 
-// In a thread of its own: the stack of the one that has crashed may have run out.
-DWORD WINAPI WriteDumpOf(void* argument) {
-  const Dump& dump = *static_cast<Dump*>(argument);
-  const HANDLE file = Create(gDump);
-  if (file == INVALID_HANDLE_VALUE) return 1;
+void WriteDumpOf(const Dump& dump) {
+  const HANDLE file = gWriteDump ? Create(gDump) : INVALID_HANDLE_VALUE;
+  if (file == INVALID_HANDLE_VALUE) return;
   MINIDUMP_EXCEPTION_INFORMATION information = {dump.thread, dump.fault, FALSE};
   const BOOL written = gWriteDump(GetCurrentProcess(), GetCurrentProcessId(), file, MiniDumpNormal,
                                   &information, nullptr, nullptr);
   CloseHandle(file);
   if (!written) DeleteFileW(gDump);
+}
+
+// In a thread of its own: the stack of the one that has crashed may have run out.
+DWORD WINAPI DoTheRest(void* argument) {
+  if (gAfterwards) gAfterwards();  // a dump may take its time
+  WriteDumpOf(*static_cast<const Dump*>(argument));
   return 0;
 }
 
+// Only the first crash is told: what crashes behind it may be its consequence.
 LONG WINAPI OnCrash(EXCEPTION_POINTERS* fault) {
+  const auto thread = static_cast<LONG>(GetCurrentThreadId());
+  const LONG first = InterlockedCompareExchange(&gThread, thread, 0);
+  if (first == thread) return EXCEPTION_EXECUTE_HANDLER;
+  if (first != 0) Sleep(INFINITE);
   CreateDirectoryW(gFolder, nullptr);
   const HANDLE text = Create(gText);
   if (text == INVALID_HANDLE_VALUE) return EXCEPTION_CONTINUE_SEARCH;
   WriteText(*fault, text);
   CloseHandle(text);
   Dump dump = {fault, GetCurrentThreadId()};
-  const HANDLE writer = gWriteDump ? CreateThread(nullptr, 0, WriteDumpOf, &dump, 0, nullptr) : nullptr;
-  if (writer) {
-    WaitForSingleObject(writer, kPatience_ms);
-    CloseHandle(writer);
+  if (const HANDLE rest = CreateThread(nullptr, 0, DoTheRest, &dump, 0, nullptr)) {
+    WaitForSingleObject(rest, kPatience_ms);
+    CloseHandle(rest);
   }
   const HANDLE error = GetStdHandle(STD_ERROR_HANDLE);
   if (error && error != INVALID_HANDLE_VALUE) {
@@ -110,14 +121,19 @@ LONG WINAPI OnCrash(EXCEPTION_POINTERS* fault) {
   std::abort();
 }
 
+// The module aborts as well, whose library of C++ has a handler of its own for what nobody catches.
+void OnAbort(int) { RaiseException(kAborted, EXCEPTION_NONCONTINUABLE, 0, nullptr); }
+
 void CopyPath(wchar_t (&to)[MAX_PATH * 2], const std::filesystem::path& path) {
   lstrcpynW(to, path.c_str(), MAX_PATH * 2);
 }
 
 }  // namespace
 
-void ReportCrashes(const char* program, const char* version, const std::filesystem::path& folder) {
-  if (folder.empty()) return;
+std::filesystem::path ReportCrashes(const char* program, const char* version,
+                                    const std::filesystem::path& folder, void (*afterwards)()) {
+  if (folder.empty()) return {};
+  gAfterwards = afterwards;
   CopyPath(gFolder, folder);
   const std::string name = std::string(program) + "-crash-" + std::to_string(GetCurrentProcessId());
   CopyPath(gText, folder / (name + ".txt"));
@@ -132,6 +148,8 @@ void ReportCrashes(const char* program, const char* version, const std::filesyst
   SetThreadStackGuarantee(&room);
   SetUnhandledExceptionFilter(OnCrash);
   std::set_terminate(OnTerminate);
+  std::signal(SIGABRT, OnAbort);
+  return gText;
 }
 
 std::filesystem::path StateFolder() {

@@ -69,6 +69,18 @@ void Workbench::Open(const std::filesystem::path& file) {
   NConfiguration::Document document = NConfiguration::Load(file);
   CloseHost();
   mFile = std::filesystem::absolute(file);
+  OpenDocument(std::move(document));
+}
+
+void Workbench::TakeUp(const NConfiguration::Document& document, const std::filesystem::path& file,
+                       bool isModified) {
+  CloseHost();
+  mFile = file;
+  OpenDocument(document);
+  if (isModified) mSaved.reset();
+}
+
+void Workbench::OpenDocument(NConfiguration::Document document) {
   const auto blocks = std::move(document.blocks);
   document.blocks.clear();
   mDocument = std::move(document);

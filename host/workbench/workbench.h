@@ -56,13 +56,15 @@ class Workbench final : private NRuntime::MeasurementObserver {
   void New(const NConfiguration::Document& settings);
   /// Throws std::runtime_error, one line: the file cannot be used. What was open before then stays open.
   void Open(const std::filesystem::path& file);
+  /// Opens a document that was not saved, which belongs into this file; empty: into none yet.
+  void TakeUp(const NConfiguration::Document& document, const std::filesystem::path& file, bool isModified);
   /// Throws std::runtime_error, one line: the old file is as it was.
   void Save(const std::filesystem::path& file);
   /// Empty: never saved.
   const std::filesystem::path& File() const { return mFile; }
   /// The configuration with the settings that blocks have now.
   NConfiguration::Document Capture() const;
-  bool IsModified() const { return !(Capture() == mSaved); }
+  bool IsModified() const { return !mSaved || Capture() != *mSaved; }
   /// Replaces what is set up beside the blocks. The module is loaded anew where variant or language change.
   /// Not while a measurement runs.
   void Change(const NConfiguration::Document& document);
@@ -121,6 +123,7 @@ class Workbench final : private NRuntime::MeasurementObserver {
   void OnTrouble(std::uint32_t channel, const std::string& text) override;
   void OnEnd() override;
 
+  void OpenDocument(NConfiguration::Document document);
   void OpenHost(const std::vector<NConfiguration::Block>& blocks);
   void CloseHost();
   void LoadModule();
@@ -136,8 +139,8 @@ class Workbench final : private NRuntime::MeasurementObserver {
   WorkbenchOptions mOptions;
   WorkbenchEvents& mEvents;
   std::filesystem::path mFile;
-  NConfiguration::Document mDocument;  // its blocks are in mBlocks
-  NConfiguration::Document mSaved;
+  NConfiguration::Document mDocument;              // its blocks are in mBlocks
+  std::optional<NConfiguration::Document> mSaved;  // empty: what is open was never saved as it is
 
   NRuntime::ComPtr<NRuntime::Application> mApplication;
   std::unique_ptr<NRuntime::Module> mModule;  // null: it does not work

@@ -205,23 +205,29 @@ HRESULT ZCANopenIGNode::Save(NSdk::IPersistWriter* writer) {
 
 // ---- the block driven by its host
 
+/// Replaces both lists, or leaves them as they are.
+bool ZCANopenIGNode::ReadLists(const std::filesystem::path& path, std::string& fault) {
+  NCanopen::ItemList sequence;
+  NCanopen::ItemList cyclic;
+  if (!LoadSequenceFile(path, sequence, cyclic, &mHexDisplay, &fault)) return false;
+  mGenerator.List(NSdk::kSequenceList) = std::move(sequence);
+  mGenerator.List(NSdk::kCyclicList) = std::move(cyclic);
+  mEditing.Forget();
+  for (const auto list : {NSdk::kSequenceList, NSdk::kCyclicList}) mResults.Clear(list);
+  if (mView) mView->ListsReplaced();
+  return true;
+}
+
 HRESULT ZCANopenIGNode::LoadSequence(const wchar_t* path, wchar_t** reason) {
   return NCom::Entry([&]() -> HRESULT {
     if (!path) return E_POINTER;
     if (mGenerator.Activity() != 0) return E_FAIL;
     const std::filesystem::path file = NCommon::WideToPath(path);
-    NCanopen::ItemList sequence;
-    NCanopen::ItemList cyclic;
     std::string fault;
-    if (!LoadSequenceFile(file, sequence, cyclic, &mHexDisplay, &fault)) {
+    if (!ReadLists(file, fault)) {
       if (reason) NCom::HandOut(NCommon::ToWide(fault), reason);
       return E_FAIL;
     }
-    mGenerator.List(NSdk::kSequenceList) = std::move(sequence);
-    mGenerator.List(NSdk::kCyclicList) = std::move(cyclic);
-    mEditing.Forget();
-    for (const auto list : {NSdk::kSequenceList, NSdk::kCyclicList}) mResults.Clear(list);
-    if (mView) mView->ListsReplaced();
     RememberSequence(file);
     return S_OK;
   });
@@ -260,6 +266,42 @@ HRESULT ZCANopenIGNode::ReloadSequence() {
     if (SUCCEEDED(LoadSequence(text.c_str(), nullptr))) return S_OK;
     TellThatLoadingFailed(text);
     return E_FAIL;
+  });
+}
+
+// ---- unsaved work, put aside
+
+HRESULT ZCANopenIGNode::GetUnsavedState(std::uint32_t* state) {
+  NCom::ModuleScope scope;
+  if (!state) return E_POINTER;
+  // 0 has a meaning of its own, and versions begin with it.
+  *state = mEditing.IsModified() ? static_cast<std::uint32_t>(mEditing.Version()) + 1 : 0;
+  return S_OK;
+}
+
+HRESULT ZCANopenIGNode::WriteCopy(const wchar_t* path) {
+  return NCom::Entry([&]() -> HRESULT {
+    if (!path) return E_POINTER;
+    if (!mEditing.IsModified()) return S_FALSE;
+    const std::filesystem::path file = NCommon::WideToPath(path);
+    SaveSequenceFile(file, mGenerator.List(NSdk::kSequenceList), mGenerator.List(NSdk::kCyclicList));
+    std::error_code ignored;
+    return std::filesystem::exists(file, ignored) ? S_OK : E_FAIL;
+  });
+}
+
+// The lists belong to the file that the settings remember, which is not read: it is older.
+HRESULT ZCANopenIGNode::TakeCopy(const wchar_t* path) {
+  return NCom::Entry([&]() -> HRESULT {
+    if (!path) return E_POINTER;
+    std::string fault;
+    if (mGenerator.Activity() != 0 || !ReadLists(NCommon::WideToPath(path), fault)) return E_FAIL;
+    mEditing.MarkUnsaved();
+    mReloaded = true;
+    mSequencePath = mSettings.sequence.Resolve(ConfigurationFile());
+    UpdateDataFolder();
+    ShowCaption();
+    return S_OK;
   });
 }
 

@@ -23,7 +23,7 @@ namespace NIg {
 using GeneratorInterfaces =
     NCom::Implements<NSdk::IPlugInBlock, NSdk::IMSFinalNode, NSdk::IMSTransferNode, NSdk::IRTClient,
                      NSdk::ICANEvents, NSdk::ITimerSink, NSdk::IPersistentObject, NSdk::IGenerator,
-                     NSdk::IUIEventsEx, NSdk::IUnsavedWork, NSdk::ISettingEvents>;
+                     NSdk::IUIEventsEx, NSdk::IUnsavedWork, NSdk::IWorkCopy, NSdk::ISettingEvents>;
 
 /// ProgID "HarlowPlugIn.CANopenIG": composes CANopen messages and sends them on one CAN channel.
 class ZCANopenIGNode final : public GeneratorInterfaces, private TransmissionObserver {
@@ -109,6 +109,11 @@ class ZCANopenIGNode final : public GeneratorInterfaces, private TransmissionObs
   // IUnsavedWork
   HRESULT STDMETHODCALLTYPE ConfirmLeaving(void* parentWindow) override;
 
+  // IWorkCopy
+  HRESULT STDMETHODCALLTYPE GetUnsavedState(std::uint32_t* state) override;
+  HRESULT STDMETHODCALLTYPE WriteCopy(const wchar_t* path) override;
+  HRESULT STDMETHODCALLTYPE TakeCopy(const wchar_t* path) override;
+
   // ISettingEvents
   HRESULT STDMETHODCALLTYPE OnSettingsChanged() override;
 
@@ -121,6 +126,7 @@ class ZCANopenIGNode final : public GeneratorInterfaces, private TransmissionObs
   template <class Body>
   HRESULT ActivityEntry(Body&& body);
   NCanopen::ZMsgItemInfo* FindItem(std::uint32_t list, std::uint32_t position);
+  bool ReadLists(const std::filesystem::path& path, std::string& fault);
   void RememberSequence(const std::filesystem::path& path);
   void UpdateDataFolder();
   void OnActivityChanged(std::uint32_t before, std::uint32_t after);

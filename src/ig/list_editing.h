@@ -62,6 +62,10 @@ class ListEditing {
   void MarkSaved() { mSaved = Version(); }
   /// The lists have new contents, as saved.
   void Forget();
+  /// What the lists hold now was never saved.
+  void MarkUnsaved() { mSaved = kNever; }
+  /// Differs for each state of the lists.
+  std::uint64_t Version() const { return mVersion; }
 
  private:
   /// Items that change places with items of a list. Doing it twice is doing nothing.
@@ -80,9 +84,10 @@ class ListEditing {
   void Flip(Change& change);
   std::vector<Change> Deletion(NSdk::GeneratorList list, const Rows& rows);
   void Do(std::vector<Change> changes);
-  std::uint64_t Version() const { return mVersion; }
   Rows Shift(NSdk::GeneratorList list, const Rows& rows, bool up);
   static std::optional<EditedRows> EditedBy(const Step& step);
+
+  static constexpr std::uint64_t kNever = ~std::uint64_t{0};
 
   std::array<NCanopen::ItemList*, 2> mLists;
   std::deque<Step> mDone, mUndone;

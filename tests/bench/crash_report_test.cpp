@@ -10,11 +10,13 @@ using testing::HasSubstr;
 TEST(CrashReport, IsLeftByEachKindOfCrash) {
   const auto folder = std::filesystem::temp_directory_path() / "ostrel-crash-report";
   const std::pair<const char*, const char*> kinds[] = {
-      {"null", ""}, {"throw", "nobody catches this"}, {"stack", ""}};
+      {"null", ""}, {"throw", "nobody catches this"}, {"stack", ""}, {"abort", ""}};
   for (const auto& [kind, word] : kinds) {
     std::filesystem::remove_all(folder);
     const std::string command = NTest::Quoted(CRASHING_PROGRAM) + " " + NTest::Quoted(folder) + " " + kind;
-    EXPECT_NE(NTest::RunShell(command + " 2> " + NTest::Quoted(folder.string() + ".err")), 0) << kind;
+    const std::filesystem::path errors = folder.string() + ".err";
+    EXPECT_NE(NTest::RunShell(command + " 2> " + NTest::Quoted(errors)), 0) << kind;
+    EXPECT_THAT(NTest::ReadFile(errors), HasSubstr("the rest is done")) << kind;
     std::string text;
     for (const auto& file : std::filesystem::directory_iterator(folder)) {
       if (file.path().extension() == ".txt") text = NTest::ReadFile(file.path());

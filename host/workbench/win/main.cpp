@@ -6,11 +6,13 @@
 #include <commctrl.h>
 #include <shellapi.h>
 
+#include <cwchar>
 #include <stdexcept>
 
 #include "host/runtime/crash_report.h"
 #include "host/runtime/text.h"
 #include "host/workbench/texts.h"
+#include "host/workbench/win/crash_dialog.h"
 #include "host/workbench/win/main_window.h"
 
 namespace {
@@ -68,10 +70,31 @@ int RunMessages(NWorkbench::MainWindow& window) {
   return static_cast<int>(message.wParam);
 }
 
+// The command line that this program has given itself.
+bool TellOfCrash(const std::vector<std::wstring>& arguments) {
+  if (arguments.size() != 4 || arguments[0] != NWorkbench::CrashNotice::kOption) return false;
+  const auto language = static_cast<std::uint32_t>(std::wcstoul(arguments[3].c_str(), nullptr, 10));
+  NWorkbench::ShowCrashDialog({arguments[1], NRuntime::ToUtf8(arguments[2]), language},
+                              NWorkbench::RescueRoot(NRuntime::StateFolder()));
+  return true;
+}
+
+// What the window throws later is not caught: a crash leaves the unsaved work, an end in order would not.
+std::unique_ptr<NWorkbench::MainWindow> MakeWindow(const NWorkbench::StartOptions& options) {
+  try {
+    return std::make_unique<NWorkbench::MainWindow>(options);
+  } catch (const std::exception& error) {
+    NWorkbench::Ask(nullptr, NRuntime::ToWide(error.what()), MB_OK | MB_ICONERROR);
+    return nullptr;
+  }
+}
+
 }  // namespace
 
 int WINAPI wWinMain(HINSTANCE, HINSTANCE, LPWSTR, int show) {
-  NRuntime::ReportCrashes("ostrel-workbench", OSTREL_VERSION, NRuntime::StateFolder());
+  if (TellOfCrash(Arguments())) return 0;
+  const auto report = NRuntime::ReportCrashes("ostrel-workbench", OSTREL_VERSION, NRuntime::StateFolder(),
+                                              NWorkbench::StartCrashDialog);
   const INITCOMMONCONTROLSEX controls = {sizeof controls, ICC_WIN95_CLASSES | ICC_STANDARD_CLASSES};
   InitCommonControlsEx(&controls);
   NWorkbench::StartOptions options;
@@ -83,12 +106,10 @@ int WINAPI wWinMain(HINSTANCE, HINSTANCE, LPWSTR, int show) {
                     MB_OK | MB_ICONERROR);
     return 2;
   }
-  try {
-    NWorkbench::MainWindow window(options);
-    window.Begin(show);
-    return RunMessages(window);
-  } catch (const std::exception& error) {
-    NWorkbench::Ask(nullptr, NRuntime::ToWide(error.what()), MB_OK | MB_ICONERROR);
-    return 1;
-  }
+  options.state = NRuntime::StateFolder();
+  options.report = report;
+  const auto window = MakeWindow(options);
+  if (!window) return 1;
+  window->Begin(show);
+  return RunMessages(*window);
 }

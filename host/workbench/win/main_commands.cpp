@@ -212,6 +212,8 @@ void MainWindow::Close() {
   if (!IsWindowEnabled(Handle()) || mWorkbench->IsChanging())
     return;  // a dialog or message is waiting for its answer
   if (!ConfirmStop() || !ConfirmDiscard()) return;
+  if (mKeeper) mKeeper->Discard();
+  mKeeper.reset();
   mRemembersBlocks = false;
   mBlocks.clear();  // while what they are windows in still stands
   DestroyWindow(Handle());
@@ -256,12 +258,32 @@ void MainWindow::RememberWindows() {
     PlacedBlock* const block = mWorkbench->Find(object);
     if (block && window) block->stored.window = window->Place();
   }
+  mWorkbench->SetWindows(OwnPlace(), InnerPlaces());
+}
+
+NConfiguration::Window MainWindow::OwnPlace() const {
   NConfiguration::Window own = PlaceOf(Handle());
   own.open = true;
   own.minimized = false;
+  return own;
+}
+
+std::map<std::string, NConfiguration::Window> MainWindow::InnerPlaces() const {
   std::map<std::string, NConfiguration::Window> inner;
   for (const auto& [name, window] : InnerWindows()) inner[name] = PlaceOf(window->Handle());
-  mWorkbench->SetWindows(own, inner);
+  return inner;
+}
+
+NConfiguration::Document MainWindow::CaptureWithWindows() const {
+  NConfiguration::Document document = mWorkbench->Capture();
+  document.window = OwnPlace();
+  document.windows = InnerPlaces();
+  const auto& blocks = mWorkbench->Blocks();
+  for (std::size_t position = 0; position < blocks.size(); ++position) {
+    const auto window = mBlocks.find(blocks[position].object.Get());
+    if (window != mBlocks.end() && window->second) document.blocks[position].window = window->second->Place();
+  }
+  return document;
 }
 
 // Those of which the configuration says nothing stay where they are.

@@ -13,7 +13,7 @@ namespace {
 
 constexpr UINT_PTR kStatusTimer = 1;
 constexpr UINT kStatusPeriod_ms = 250;
-constexpr int kTicksPerSpan = 4;  // of the bus load: one second
+constexpr int kTicksPerSpan = 4;  // one second: of the bus load, and until what has changed is looked at
 constexpr UINT kRefresh = WM_APP;
 
 bool IsInTask(NRuntime::IoLoop& loop) { return static_cast<WindowLoop&>(loop).IsInTask(); }
@@ -64,6 +64,7 @@ MainWindow::MainWindow(const StartOptions& options) : mOptions(options), mKeys(M
   for (const WPARAM kind : {ICON_SMALL, ICON_BIG}) SetProgramIcon(Handle(), kind);
   mWorkbench->New({});
   MakeInside();
+  StartKeeping();
 }
 
 // The module's windows go while the main window still stands.
@@ -71,6 +72,7 @@ MainWindow::~MainWindow() {
   mRemembersBlocks = false;
   mWorkbench->Stop();
   mBlocks.clear();
+  mKeeper.reset();
   mWorkbench.reset();
   DestroyAcceleratorTable(mKeys);
 }
@@ -95,6 +97,7 @@ void MainWindow::MakeInside() {
 void MainWindow::Begin(int show) {
   ShowWindow(Handle(), show);
   UpdateWindow(Handle());
+  if (OfferLeftWork()) return;
   const bool isNew = mOptions.configuration.empty();
   if (isNew) AfterOpening();
   if ((isNew || Open(mOptions.configuration)) && mOptions.start) StartMeasurement();
@@ -160,6 +163,7 @@ void MainWindow::RefreshLater() {
 void MainWindow::RefreshAll() {
   mRefreshPosted = false;
   UseTexts(mWorkbench->Settings().language);
+  PrepareCrash();
   mCommands->Update();
   BuildMenu();
   ShowToolBar();
@@ -182,9 +186,7 @@ LRESULT MainWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
       Arrange();
       return 0;  // the default would give the windows inside the whole area
     case WM_TIMER:
-      if (++mTicks % kTicksPerSpan == 0 && mWorkbench->IsMeasuring()) mWorkbench->EndLoadSpan();
-      mWorkbench->Tidy(IsInTask);
-      ShowStatus();
+      OnTick();
       return 0;
     case kRefresh:
       mRefreshPosted = false;
@@ -213,6 +215,9 @@ LRESULT MainWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
       return 0;
     case WM_QUERYENDSESSION:
       return ConfirmDiscard();
+    case WM_ENDSESSION:
+      if (wParam && mKeeper) mKeeper->Discard();
+      return 0;
     case WM_DESTROY:
       PostQuitMessage(0);
       return 0;
@@ -220,6 +225,16 @@ LRESULT MainWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
       break;
   }
   return Default(message, wParam, lParam);
+}
+
+void MainWindow::OnTick() {
+  const bool isSecond = ++mTicks % kTicksPerSpan == 0;
+  if (isSecond && mWorkbench->IsMeasuring()) mWorkbench->EndLoadSpan();
+  mWorkbench->Tidy(IsInTask);
+  ShowStatus();
+  if (!isSecond || mWorkbench->IsChanging()) return;
+  ShowTitle();
+  KeepUnsavedInTime();
 }
 
 LRESULT MainWindow::OnNotify(NMHDR& header) {
@@ -281,7 +296,9 @@ void MainWindow::Arrange() {
 void MainWindow::ShowTitle() {
   const auto& file = mWorkbench->File();
   const std::wstring name = file.empty() ? std::wstring(Text(TextId::Untitled)) : file.filename().wstring();
-  SetWindowTextW(Handle(), (name + L" - " + Text(TextId::AppName)).c_str());
+  const wchar_t* const mark = mWorkbench->IsModified() ? L"*" : L"";
+  const std::wstring title = name + mark + L" - " + Text(TextId::AppName);
+  if (TextOf(Handle()) != title) SetWindowTextW(Handle(), title.c_str());
 }
 
 void MainWindow::ShowStatus() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <map>
 #include <memory>
 #include <optional>
@@ -11,6 +12,7 @@
 #include "host/workbench/win/setup_window.h"
 #include "host/workbench/win/tool_bar.h"
 #include "host/workbench/win/trace_window.h"
+#include "host/workbench/work_keeper.h"
 #include "host/workbench/workbench.h"
 
 namespace NWorkbench {
@@ -20,6 +22,8 @@ struct StartOptions {
   std::filesystem::path folder;         ///< that the program lies in
   std::filesystem::path configuration;  ///< empty: a new one
   bool start = false;                   ///< the measurement, at once
+  std::filesystem::path state;          ///< folder for unsaved work; empty: none is kept
+  std::filesystem::path report;         ///< that a crash would leave; empty: none
 };
 
 /// The main window: menus, toolbar, status bar, and the windows inside.
@@ -48,6 +52,7 @@ class MainWindow final : public Window, private WorkbenchEvents, private SetupCo
     return DefFrameProcW(Handle(), mClient, message, wParam, lParam);
   }
   LRESULT OnNotify(NMHDR& header);
+  void OnTick();
   void MakeInside();
   void Arrange();
   void RefreshLater();
@@ -86,9 +91,21 @@ class MainWindow final : public Window, private WorkbenchEvents, private SetupCo
   void ChangeSettings(const std::function<void(NConfiguration::Document&)>& change);
   void OpenBlock(std::size_t position, bool remembered);
   void OpenRememberedBlocks();
+  NConfiguration::Window OwnPlace() const;
+  std::map<std::string, NConfiguration::Window> InnerPlaces() const;
+  /// As it would be saved now.
+  NConfiguration::Document CaptureWithWindows() const;
   void RememberWindows();
   void RestoreWindows();
   void Close();
+
+  // ---- unsaved work
+  void StartKeeping();
+  void PrepareCrash();
+  bool OfferLeftWork();
+  void TakeUp(RescueFolder& folder, const UnsavedWork& work);
+  bool KeepUnsaved();
+  void KeepUnsavedInTime();
 
   StartOptions mOptions;
   std::unique_ptr<Workbench> mWorkbench;
@@ -107,6 +124,9 @@ class MainWindow final : public Window, private WorkbenchEvents, private SetupCo
   bool mMenuIsOpen = false;  // what it shows stays meanwhile
   bool mRemembersBlocks = true;
   int mTicks = 0;
+  std::optional<WorkKeeper> mKeeper;  // empty: none is kept
+  std::chrono::steady_clock::time_point mNextKeeping;
+  std::string mKeepingFault;  // as told last
 };
 
 /// The main menu with the program's own commands; the module's are filled in later.

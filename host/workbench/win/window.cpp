@@ -8,8 +8,21 @@
 namespace NWorkbench {
 namespace {
 
-Window* gBeingMade = nullptr;  // takes the first message that comes
+Window* gBeingMade = nullptr;                             // takes the first message that comes
+const std::array<const wchar_t*, 3>* gButtons = nullptr;  // of the box that is being opened
 std::function<void(const std::string&)> gReport;
+
+// The first window that becomes active is the box.
+LRESULT CALLBACK NameButtons(int code, WPARAM wide, LPARAM lng) {
+  if (code == HCBT_ACTIVATE && gButtons) {
+    const auto& buttons = *std::exchange(gButtons, nullptr);
+    const auto box = reinterpret_cast<HWND>(wide);
+    SetDlgItemTextW(box, IDYES, buttons[0]);
+    SetDlgItemTextW(box, IDNO, buttons[1]);
+    SetDlgItemTextW(box, IDCANCEL, buttons[2]);
+  }
+  return CallNextHookEx(nullptr, code, wide, lng);
+}
 
 }  // namespace
 
@@ -184,6 +197,15 @@ void PutAt(HWND window, const NConfiguration::Window& place) {
 
 int Ask(HWND owner, const std::wstring& text, UINT kind) {
   return MessageBoxW(owner, text.c_str(), Text(TextId::AppName), kind);
+}
+
+int AskWith(HWND owner, const std::wstring& text, std::array<const wchar_t*, 3> buttons) {
+  gButtons = &buttons;
+  const HHOOK hook = SetWindowsHookExW(WH_CBT, NameButtons, nullptr, GetCurrentThreadId());
+  const int answer = Ask(owner, text, MB_YESNOCANCEL | MB_ICONQUESTION);
+  UnhookWindowsHookEx(hook);
+  gButtons = nullptr;
+  return answer;
 }
 
 }  // namespace NWorkbench

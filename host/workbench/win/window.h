@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include <array>
 #include <functional>
 #include <string>
 
@@ -93,5 +94,7 @@ void PutAt(HWND window, const NConfiguration::Window& place);
 
 /// A message box over the main window; the answer.
 int Ask(HWND owner, const std::wstring& text, UINT kind);
+/// A question with words of its own on its three buttons; the answers are IDYES, IDNO and IDCANCEL.
+int AskWith(HWND owner, const std::wstring& text, std::array<const wchar_t*, 3> buttons);
 
 }  // namespace NWorkbench
