@@ -81,6 +81,7 @@ void Workbench::TakeUp(const NConfiguration::Document& document, const std::file
 }
 
 void Workbench::OpenDocument(NConfiguration::Document document) {
+  ++mFileTurn;
   const auto blocks = std::move(document.blocks);
   document.blocks.clear();
   mDocument = std::move(document);
@@ -95,6 +96,7 @@ void Workbench::Save(const std::filesystem::path& file) {
   const auto from = mFile.empty() ? to : NConfiguration::FolderOf(mFile);
   if (from != to) document = NConfiguration::Moved(std::move(document), from, to);
   NConfiguration::Save(document, path);
+  ++mFileTurn;
   document.blocks.clear();
   mDocument = std::move(document);
   mFile = path;
@@ -140,6 +142,11 @@ void Workbench::SetNumberBase(std::uint32_t base) {
 
 void Workbench::SetLargeIcons(bool large) {
   mDocument.largeIcons = large;
+  mEvents.OnSetupChanged();
+}
+
+void Workbench::ReadDatabasesAgain() {
+  mApplication->SetConfiguration(HostConfiguration());
   mEvents.OnSetupChanged();
 }
 

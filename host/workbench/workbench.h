@@ -62,6 +62,8 @@ class Workbench final : private NRuntime::MeasurementObserver {
   void Save(const std::filesystem::path& file);
   /// Empty: never saved.
   const std::filesystem::path& File() const { return mFile; }
+  /// Differs after each time at which it was read or written.
+  std::uint32_t FileTurn() const { return mFileTurn; }
   /// The configuration with the settings that blocks have now.
   NConfiguration::Document Capture() const;
   bool IsModified() const { return !mSaved || Capture() != *mSaved; }
@@ -70,7 +72,11 @@ class Workbench final : private NRuntime::MeasurementObserver {
   void Change(const NConfiguration::Document& document);
   void SetNumberBase(std::uint32_t base);
   void SetLargeIcons(bool large);
+  /// Databases and descriptions may have other contents: whoever has read them hears of it.
+  void ReadDatabasesAgain();
   void SetWindows(const NConfiguration::Window& own, std::map<std::string, NConfiguration::Window> inner);
+  /// Without blocks and with absolute paths.
+  NConfiguration::Document ForUse() const;
   /// As it is in the file, without blocks.
   const NConfiguration::Document& Settings() const { return mDocument; }
 
@@ -86,6 +92,7 @@ class Workbench final : private NRuntime::MeasurementObserver {
   /// Null when the module does not work.
   NSdk::IPlugInExtensions* Extensions() const { return mExtensions.Get(); }
   std::vector<PlacedBlock>& Blocks() { return mBlocks; }
+  const std::vector<PlacedBlock>& Blocks() const { return mBlocks; }
   /// Null: no such block.
   PlacedBlock* Find(const IUnknown* block);
   NSdk::BlockCategory CategoryOf(const PlacedBlock& block) const;
@@ -133,12 +140,12 @@ class Workbench final : private NRuntime::MeasurementObserver {
   void TakeNewBlocks();
   void SetChannel(IUnknown& block, std::uint32_t channel) const;
   std::vector<NConfiguration::Block> CaptureBlocks() const;
-  NConfiguration::Document ForUse() const;
   NRuntime::ConfigurationData HostConfiguration() const { return NConfiguration::DataOf(ForUse(), mFile); }
 
   WorkbenchOptions mOptions;
   WorkbenchEvents& mEvents;
   std::filesystem::path mFile;
+  std::uint32_t mFileTurn = 0;
   NConfiguration::Document mDocument;              // its blocks are in mBlocks
   std::optional<NConfiguration::Document> mSaved;  // empty: what is open was never saved as it is
 

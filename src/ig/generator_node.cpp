@@ -251,6 +251,7 @@ HRESULT ZCANopenIGNode::SaveSequence(const wchar_t* path, wchar_t** reason) {
 
 void ZCANopenIGNode::RememberSequence(const std::filesystem::path& path) {
   mSequencePath = path;
+  ++mSequenceTurn;
   mSettings.sequence.Remember(path, ConfigurationFile());
   UpdateDataFolder();
   mShowsOutput = false;
@@ -267,6 +268,22 @@ HRESULT ZCANopenIGNode::ReloadSequence() {
     TellThatLoadingFailed(text);
     return E_FAIL;
   });
+}
+
+// ---- the file that other programs may change
+
+HRESULT ZCANopenIGNode::GetFile(wchar_t** path, std::uint32_t* turn) {
+  return NCom::Entry([&]() -> HRESULT {
+    if (!path || !turn) return E_POINTER;
+    if (mSequencePath.empty()) return S_FALSE;
+    NCom::HandOut(NCommon::PathToWide(mSequencePath), path);
+    *turn = mSequenceTurn;
+    return S_OK;
+  });
+}
+
+HRESULT ZCANopenIGNode::ReadAgain(wchar_t** reason) {
+  return LoadSequence(NCommon::PathToWide(mSequencePath).c_str(), reason);
 }
 
 // ---- unsaved work, put aside

@@ -16,6 +16,7 @@
 #include "sdk/persistence.h"
 #include "sdk/unsaved_work.h"
 #include "sdk/views.h"
+#include "sdk/work_file.h"
 #include "sdo/node_list.h"
 
 namespace NIg {
@@ -23,7 +24,8 @@ namespace NIg {
 using GeneratorInterfaces =
     NCom::Implements<NSdk::IPlugInBlock, NSdk::IMSFinalNode, NSdk::IMSTransferNode, NSdk::IRTClient,
                      NSdk::ICANEvents, NSdk::ITimerSink, NSdk::IPersistentObject, NSdk::IGenerator,
-                     NSdk::IUIEventsEx, NSdk::IUnsavedWork, NSdk::IWorkCopy, NSdk::ISettingEvents>;
+                     NSdk::IUIEventsEx, NSdk::IUnsavedWork, NSdk::IWorkCopy, NSdk::IWorkFile,
+                     NSdk::ISettingEvents>;
 
 /// ProgID "HarlowPlugIn.CANopenIG": composes CANopen messages and sends them on one CAN channel.
 class ZCANopenIGNode final : public GeneratorInterfaces, private TransmissionObserver {
@@ -114,6 +116,10 @@ class ZCANopenIGNode final : public GeneratorInterfaces, private TransmissionObs
   HRESULT STDMETHODCALLTYPE WriteCopy(const wchar_t* path) override;
   HRESULT STDMETHODCALLTYPE TakeCopy(const wchar_t* path) override;
 
+  // IWorkFile
+  HRESULT STDMETHODCALLTYPE GetFile(wchar_t** path, std::uint32_t* turn) override;
+  HRESULT STDMETHODCALLTYPE ReadAgain(wchar_t** reason) override;
+
   // ISettingEvents
   HRESULT STDMETHODCALLTYPE OnSettingsChanged() override;
 
@@ -141,6 +147,7 @@ class ZCANopenIGNode final : public GeneratorInterfaces, private TransmissionObs
   NCom::ComPtr<NSdk::IGeneratorEvents> mEvents;
   GeneratorSettings mSettings;
   std::filesystem::path mSequencePath;  // last opened or saved; empty: none
+  std::uint32_t mSequenceTurn = 0;      // how often it was
   std::vector<NSdo::DatabaseNode> mDatabaseNodes;
   std::uint32_t mNodesRevision = 0;  // of the channel manager; 0: they were never read
   std::uint32_t mNodesChannel = 0;

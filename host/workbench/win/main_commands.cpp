@@ -132,6 +132,7 @@ bool MainWindow::Save(bool askName) {
     Ask(Handle(), Text(TextId::CannotSave, Words(error)), MB_OK | MB_ICONERROR);
     return false;
   }
+  mFiles.Follow(UsedFiles(*mWorkbench));  // whoever changes it from now on is somebody else
   mRecent.Add(mWorkbench->File());
   RefreshLater();
   return true;

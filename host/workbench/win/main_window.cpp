@@ -14,7 +14,7 @@ namespace {
 constexpr UINT_PTR kStatusTimer = 1;
 constexpr UINT kStatusPeriod_ms = 250;
 constexpr int kTicksPerSpan = 4;  // one second: of the bus load, and until what has changed is looked at
-constexpr UINT kRefresh = WM_APP;
+constexpr UINT kRefresh = WM_APP, kLook = WM_APP + 1;
 
 bool IsInTask(NRuntime::IoLoop& loop) { return static_cast<WindowLoop&>(loop).IsInTask(); }
 
@@ -162,6 +162,7 @@ void MainWindow::RefreshLater() {
 
 void MainWindow::RefreshAll() {
   mRefreshPosted = false;
+  mFiles.Follow(UsedFiles(*mWorkbench));
   UseTexts(mWorkbench->Settings().language);
   PrepareCrash();
   mCommands->Update();
@@ -192,6 +193,12 @@ LRESULT MainWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
       mRefreshPosted = false;
       mRefreshIsDue = mMenuIsOpen;
       if (!mMenuIsOpen) RefreshAll();
+      return 0;
+    case WM_ACTIVATEAPP:
+      if (wParam && mStatus) PostMessageW(Handle(), kLook, 0, 0);
+      break;
+    case kLook:
+      LookAtFiles();
       return 0;
     case WM_ENTERMENULOOP:
       mMenuIsOpen = true;
@@ -235,6 +242,7 @@ void MainWindow::OnTick() {
   if (!isSecond || mWorkbench->IsChanging()) return;
   ShowTitle();
   KeepUnsavedInTime();
+  if (std::chrono::steady_clock::now() >= mNextLook) LookAtFiles();
 }
 
 LRESULT MainWindow::OnNotify(NMHDR& header) {

@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 
+#include "host/workbench/used_files.h"
 #include "host/workbench/win/block_window.h"
 #include "host/workbench/win/messages_window.h"
 #include "host/workbench/win/plug_in_commands.h"
@@ -99,6 +100,13 @@ class MainWindow final : public Window, private WorkbenchEvents, private SetupCo
   void RestoreWindows();
   void Close();
 
+  // ---- files that other programs change
+  void LookAtFiles();
+  bool CanAskAboutFiles() const;
+  bool WouldLoseWork(const UsedFile& file);
+  void OfferReload(const UsedFile& file);
+  void Reload(const UsedFile& file);
+
   // ---- unsaved work
   void StartKeeping();
   void PrepareCrash();
@@ -124,6 +132,8 @@ class MainWindow final : public Window, private WorkbenchEvents, private SetupCo
   bool mMenuIsOpen = false;  // what it shows stays meanwhile
   bool mRemembersBlocks = true;
   int mTicks = 0;
+  UsedFileWatch mFiles;
+  std::chrono::steady_clock::time_point mNextLook;
   std::optional<WorkKeeper> mKeeper;  // empty: none is kept
   std::chrono::steady_clock::time_point mNextKeeping;
   std::string mKeepingFault;  // as told last
