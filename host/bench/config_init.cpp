@@ -47,8 +47,9 @@ ExitStatus InitConfig(const ConfigInitOptions& options) {
   GeneratorBlock generator(host.Application(), host.Setup(), GeneratorSettings(hostOptions), unobserved);
   if (options.sequence) generator.LoadSequence(*options.sequence);
   if (!fault.empty()) throw std::runtime_error(fault);
-  NConfiguration::Document document = NConfiguration::Moved(options.host, std::filesystem::current_path(),
-                                                            NConfiguration::FolderOf(options.file));
+  NConfiguration::Document document =
+      NConfiguration::Moved(static_cast<const NConfiguration::Document&>(options.host),
+                            std::filesystem::current_path(), NConfiguration::FolderOf(options.file));
   document.blocks = {Saved(NSdk::kProgIdCANopenIG, generator.Object()),
                      Saved(NSdk::kProgIdCANopenScanner, host.Module().Create(NSdk::kProgIdCANopenScanner))};
   NConfiguration::Save(document, options.file);

@@ -48,7 +48,9 @@ void Rename(NRuntime::Application& application, const std::filesystem::path& fil
 }  // namespace
 
 ShellConfiguration::ShellConfiguration(const HostOptions& options)
-    : mDocument(options), mFolder(std::filesystem::current_path()), mFile(options.configuration) {
+    : mDocument(static_cast<const NConfiguration::Document&>(options)),
+      mFolder(std::filesystem::current_path()),
+      mFile(options.configuration) {
   if (mFile.empty()) return;
   mDocument = NConfiguration::Load(mFile);
   mFolder = NConfiguration::FolderOf(mFile);

@@ -41,7 +41,7 @@ Mean MeanAt(const Pixels& pixels, int x, int y, int width, int height) {
     for (int column = x * pixels.width / width; column < pixels.width; ++column) {
       const std::int64_t wide = Overlap(column, pixels.width, x, width);
       if (wide <= 0) break;
-      const auto position = static_cast<std::size_t>(row * pixels.width + column);
+      const auto position = static_cast<std::size_t>(row) * pixels.width + static_cast<std::size_t>(column);
       mean.Add(pixels.values[position], static_cast<std::uint64_t>(high * wide));
     }
   }

@@ -124,7 +124,7 @@ std::string DataComposer::CompleteValue() const {
     return "0x" + WithoutLeadingZeros(std::string_view(mValue).substr(2));
   }
   if (!mPurpose.hexadecimal) return WithoutOctalZeros(mValue);
-  const std::string complete = "0x" + WithoutLeadingZeros(mValue);
+  std::string complete = "0x" + WithoutLeadingZeros(mValue);
   // A negative number is shown as its bits, and 64 of them are no signed number in hexadecimal.
   if (mType == kDataSigned && !ReadSigned(complete)) {
     if (const auto bits = ReadUnsigned(complete, NumberBase::Hexadecimal)) return DecimalText(*bits, mType);

@@ -189,8 +189,7 @@ std::optional<EditedRows> ListEditing::EditedBy(const Step& step) {
     }
   }
   std::ranges::sort(edited.rows);
-  const auto [first, last] = std::ranges::unique(edited.rows);
-  edited.rows.erase(first, last);
+  edited.rows.erase(std::unique(edited.rows.begin(), edited.rows.end()), edited.rows.end());
   return edited;
 }
 
