@@ -104,20 +104,6 @@ TEST_F(Play, NothingToSendEndsAtOnceAndIsMentioned) {
   EXPECT_THAT(Run("", "", "--cyclic").errors, HasSubstr("no enabled items"));
 }
 
-TEST_F(Play, BothVariantsOfTheHostPlay) {
-  for (const char* variant : {"halvard", "tesmond"}) {
-    EXPECT_EQ(Run(kSync, "", std::string("--variant ") + variant).status, 0);
-  }
-}
-
-TEST(Help, NamesEveryOption) {
-  const std::string help = NTest::RunBench("play --help").output;
-  for (const char* option : {"--can", "--channel", "--cyclic", "--for", "--delay", "--log", "--variant",
-                             "--module", "--times", "--json", "Examples:", "virtual[:NAME]"}) {
-    EXPECT_THAT(help, HasSubstr(option));
-  }
-}
-
 TEST_F(Play, TransfersWithASimulatedDeviceAreOfEveryKind) {
   const std::string example = NTest::Quoted(OSTREL_SOURCE_DIR "/examples/sdo-transfers.seq");
   const auto outcome = NTest::RunBench("play " + example + "--device 5 --json");
@@ -134,11 +120,6 @@ TEST_F(Play, TransfersWithASimulatedDeviceAreOfEveryKind) {
                                          "block upload 4096 ok null", "block download 500 ok null",
                                          "expedited upload 0 aborted \"06020000\"",
                                          "expedited download 4 aborted \"06010002\""));
-}
-
-TEST_F(Play, ASlowBusTakesAllThatWasSent) {
-  const auto outcome = Run(std::string(kSync) + kSync + kSync, "", "--can 1=virtual,bitrate=1000");
-  EXPECT_THAT(outcome.output, HasSubstr("3 items, 3 frames, 0.1"));
 }
 
 TEST_F(Play, ADeviceMisbehavesAsItIsTold) {

@@ -160,17 +160,4 @@ TEST(DeviceWord, RefusalsNameTheWordAndTheFault) {
   }
 }
 
-TEST(Device, RefusesNumbersThatItCannotHave) {
-  struct Sink final : FrameSink {
-    void Send(const NSdk::CanFrame&) override {}
-  } sink;
-  for (const auto& [node, blockSize] : {std::pair{0, 127}, {128, 127}, {5, 0}, {5, 128}}) {
-    DeviceOptions options;
-    options.nodeId = static_cast<std::uint8_t>(node);
-    options.sdo.blockSize = static_cast<std::uint8_t>(blockSize);
-    EXPECT_THROW(Device(options, IoDeviceObjects(5), sink), std::invalid_argument)
-        << node << " " << blockSize;
-  }
-}
-
 }  // namespace

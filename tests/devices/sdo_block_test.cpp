@@ -81,12 +81,6 @@ TEST(SdoServerBlock, WithoutCrcNoneIsChecked) {
   bench.Play("> A0 02 20 00 7F < C6 02 20 00 01 > A3 < 81 2A > A2 01 7F < D9 00 00 > A1");
 }
 
-TEST(SdoServerBlock, WithoutSizeAllThatFitsIsTaken) {
-  Bench bench;
-  bench.Play("> C4 02 20 00 < A4 02 20 00 7F > 81 01 02 03 04 < A2 01 7F > CD 03 0D < A1");
-  EXPECT_EQ(bench.Value(kOctets), Counting(4));
-}
-
 TEST(SdoServerBlock, RefusesWithTheCodeOfCiA301) {
   struct Case {
     const char* what;

@@ -127,4 +127,23 @@ TEST(SdoServer, IgnoresWhatIsNoRequest) {
   }
 }
 
+// What a client makes of a server that misbehaves is in loopback_test.cpp.
+TEST(Misbehaviour, NoLateAnswerLeavesAStoppedDevice) {
+  Bench bench;
+  bench.device.Faults().answerDelay = 50ms;
+  bench.Request("40 00 10 00");
+  bench.Feed("000 02 05");
+  bench.RunFor(1s);
+  EXPECT_TRUE(bench.sent.empty());
+}
+
+TEST(Misbehaviour, SilenceConcernsSdoOnly) {
+  Bench bench;
+  bench.device.Faults().silent = true;
+  bench.Play("> 40 00 10 00 > A4 00 10 00 7F");
+  bench.Feed("705 R");
+  EXPECT_EQ(bench.Sent(), std::vector<std::string>{"705 7F"});
+  EXPECT_EQ(bench.device.NextDeadline(), kNever);
+}
+
 }  // namespace
