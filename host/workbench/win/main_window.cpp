@@ -323,7 +323,9 @@ void MainWindow::ShowStatus() {
       state, Text(TextId::StateFrames, std::to_wstring(received), std::to_wstring(transmitted)),
       LoadText(mWorkbench->Loads()),
       Text(mWorkbench->Settings().numberBase == 16 ? TextId::StateHexadecimal : TextId::StateDecimal)};
-  for (std::size_t part = 0; part < 4; ++part) {
+  for (std::size_t part = 0; part < std::size(texts); ++part) {
+    if (texts[part] == mShownStatus[part]) continue;  // each is drawn when it is set
+    mShownStatus[part] = texts[part];
     ::SendMessageW(mStatus, SB_SETTEXTW, part, reinterpret_cast<LPARAM>(texts[part].c_str()));
   }
 }

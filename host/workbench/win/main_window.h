@@ -120,6 +120,7 @@ class MainWindow final : public Window, private WorkbenchEvents, private SetupCo
   std::optional<PlugInCommands> mCommands;
   RecentFiles mRecent;
   HWND mClient = nullptr, mStatus = nullptr;
+  std::wstring mShownStatus[4];
   HACCEL mKeys = nullptr;
   HMENU mInsertMenu = nullptr, mRecentMenu = nullptr;
   std::vector<std::pair<std::wstring, HMENU>> mGroupMenus;

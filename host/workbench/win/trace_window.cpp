@@ -137,6 +137,18 @@ void TraceWindow::Arrange() {
   MoveWindow(mList, 0, bar, area.right, std::max(0, static_cast<int>(area.bottom) - bar), TRUE);
 }
 
+// A list draws itself for its count, once more for its place, and then for its rows. While it counts as
+// hidden it draws nothing. That is asked of every window's procedure and not of the list's own, which would
+// no longer follow the count with its scroll bar.
+void TraceWindow::ShowRows(int count, bool toTheLast) const {
+  DefWindowProcW(mList, WM_SETREDRAW, FALSE, 0);
+  ListView_SetItemCountEx(mList, count, LVSICF_NOSCROLL);
+  if (toTheLast) ListView_EnsureVisible(mList, count - 1, FALSE);
+  DefWindowProcW(mList, WM_SETREDRAW, TRUE, 0);
+  RedrawWindow(mList, nullptr, nullptr,
+               RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_NOCHILDREN | RDW_UPDATENOW);
+}
+
 // The last row is followed as long as the user has it in view.
 void TraceWindow::ShowNew() {
   if (IsIconic(Handle()) || !IsWindowVisible(Handle())) return;
@@ -151,11 +163,7 @@ void TraceWindow::ShowNew() {
   mShownCount = count;
   mShownEnd = mStore.End();
   const auto begin = std::chrono::steady_clock::now();
-  ListView_SetItemCountEx(mList, static_cast<int>(count), LVSICF_NOSCROLL);
-  if (follows && count != 0 && !mView.IsPaused())
-    ListView_EnsureVisible(mList, static_cast<int>(count) - 1, FALSE);
-  InvalidateRect(mList, nullptr, FALSE);
-  UpdateWindow(mList);
+  ShowRows(static_cast<int>(count), follows && count != 0 && !mView.IsPaused());
   using std::chrono::milliseconds;
   const auto cost = std::chrono::duration_cast<milliseconds>(std::chrono::steady_clock::now() - begin);
   const auto period = std::clamp(static_cast<UINT>(kShareOfDrawing * cost.count()), least, kLongestPeriod_ms);

@@ -27,6 +27,7 @@ class TraceWindow final : public ChildWindow {
   void MakeControls();
   void Arrange();
   void ShowNew();
+  void ShowRows(int count, bool toTheLast) const;
   void GiveText(LVITEMW& item) const;
   void Copy() const;
 
