@@ -19,12 +19,12 @@ set_dpi() {
   stop_wine
 }
 
-# within_screen FUNCTION ARGUMENT...: runs it on a virtual desktop of 1280 by 1024 points; it is a function of the script that
-# is running, which is started once more for it.
+# within_screen FUNCTION ARGUMENT...: runs it on a virtual desktop, of 1280 by 1024 points unless OSTREL_SCREEN names others; it
+# is a function of the script that is running, which is started once more for it.
 within_screen() {
   need windows screen
   [ -e "$OSTREL_WINEPREFIX/draws" ] || make_display_prefix
-  OSTREL_WITHIN_SCREEN="$1" xvfb-run -a -s "-screen 0 1280x1024x24" "$0" "${@:2}"
+  OSTREL_WITHIN_SCREEN="$1" xvfb-run -a -s "-screen 0 ${OSTREL_SCREEN:-1280x1024}x24" "$0" "${@:2}"
 }
 
 # To be called behind the functions of a script: within the display it runs the one that is wanted, and nothing else.

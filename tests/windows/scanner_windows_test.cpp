@@ -129,6 +129,10 @@ TEST_F(ScannerWindowTest, ClearEmptiesTheTable) {
       [&](HWND menu) {
         const auto items = reinterpret_cast<HMENU>(SendMessageW(menu, 0x1E1 /* MN_GETHMENU */, 0, 0));
         EXPECT_THAT(MenuTexts(items), testing::ElementsAre(L"Clear"));
+        RECT headings = {}, opened = {};
+        GetWindowRect(ListView_GetHeader(List()), &headings);
+        GetWindowRect(menu, &opened);
+        EXPECT_GE(opened.top, headings.bottom) << "no row has the focus";
         PostMessageW(Window(), WM_KEYDOWN, VK_DOWN, 0);
         PostMessageW(Window(), WM_KEYDOWN, VK_RETURN, 0);
       });

@@ -96,7 +96,8 @@ class Tour {
 
   void Settle(std::chrono::milliseconds span = kToSettle) {
     const auto end = std::chrono::steady_clock::now() + span;
-    mProgram.Wait([&] { return std::chrono::steady_clock::now() >= end; });
+    mProgram.Wait(
+        [&] { return std::chrono::steady_clock::now() >= end && HIWORD(GetQueueStatus(QS_PAINT)) == 0; });
   }
   void TakeMain(const std::string& name) {
     Settle();

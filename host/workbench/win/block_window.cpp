@@ -33,12 +33,19 @@ BlockWindow::BlockWindow(HWND client, NRuntime::ComPtr<NSdk::IUIEventsEx> block,
   mBlock->GetSizes(&mPreferred, &mMinimum);
   RECT frame = Frame(mPreferred);
   frame = {CW_USEDEFAULT, CW_USEDEFAULT, frame.right - frame.left, frame.bottom - frame.top};
-  MakeChild(client, L"OstrelBlock", title.c_str(), frame);
+  MakeChild(client, L"OstrelBlock", title.c_str(), frame, /*visible=*/false);
   if (mBlock->CreateBlockWindow(mSite.Get()) != S_OK) {
     throw std::runtime_error(NRuntime::ToUtf8(Text(TextId::BlockNoWindow)));
   }
   Arrange();
   if (place) PutAt(Handle(), *place);
+  Show();
+}
+
+// Only now that all is in its place: nothing is drawn twice, and nothing is seen half made.
+void BlockWindow::Show() {
+  if (!IsWindowVisible(Handle())) ShowWindow(Handle(), SW_SHOWNA);
+  ::SendMessageW(GetParent(Handle()), WM_MDIACTIVATE, reinterpret_cast<WPARAM>(Handle()), 0);
   SetFocus(Handle());
 }
 

@@ -26,6 +26,7 @@ class BlockWindow final : public ChildWindow {
   LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
   HWND Inner() const;
   void Arrange() const;
+  void Show();
   RECT Frame(NSdk::WindowSize size) const;
 
   NRuntime::ComPtr<NSdk::IUIEventsEx> mBlock;

@@ -145,8 +145,11 @@ void ChannelsDialog::OnInit() {
   const int width = inside.right - inside.left, height = inside.bottom - inside.top;
   RECT owner = {};
   GetWindowRect(GetParent(mWindow), &owner);
-  SetWindowPos(mWindow, nullptr, (owner.left + owner.right - width) / 2,
-               std::max(0L, (owner.top + owner.bottom - height) / 2), width, height, SWP_NOZORDER);
+  const RECT work = WorkArea(GetParent(mWindow));
+  const LONG left = std::min((owner.left + owner.right - width) / 2, work.right - width);
+  const LONG top = std::min((owner.top + owner.bottom - height) / 2, work.bottom - height);
+  SetWindowPos(mWindow, nullptr, std::max(left, work.left), std::max(top, work.top), width, height,
+               SWP_NOZORDER);
   SetWindowTextW(mWindow, Text(TextId::ChannelsTitle));
   MakeControls();
   Arrange();

@@ -3,6 +3,8 @@
 
 #include "host/workbench/win/main_window.h"
 
+#include <algorithm>
+
 #include "host/runtime/text.h"
 #include "host/workbench/texts.h"
 #include "host/workbench/win/command_ids.h"
@@ -54,12 +56,15 @@ MainWindow::MainWindow(const StartOptions& options) : mOptions(options), mKeys(M
   WorkbenchEvents& events = *this;
   mWorkbench = std::make_unique<Workbench>(std::move(workbench), events);
   mCommands.emplace(*mWorkbench, options.module);
+  const RECT work = WorkArea(nullptr);
+  const int width = std::min(Scaled(1100), static_cast<int>(work.right - work.left));
+  const int height = std::min(Scaled(720), static_cast<int>(work.bottom - work.top));
   Make({L"OstrelWorkbench",
         Text(TextId::AppName),
         WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN,
         0,
         nullptr,
-        {CW_USEDEFAULT, CW_USEDEFAULT, Scaled(1100), Scaled(720)},
+        {CW_USEDEFAULT, CW_USEDEFAULT, width, height},
         nullptr});
   for (const WPARAM kind : {ICON_SMALL, ICON_BIG}) SetProgramIcon(Handle(), kind);
   mWorkbench->New({});

@@ -102,8 +102,9 @@ void TraceWindow::Refresh() {
   InvalidateRect(mFilter, nullptr, TRUE);
   for (int position = 0; position < kTraceColumns; ++position) {
     LVCOLUMNW column = {};
-    column.mask = LVCF_TEXT;
+    column.mask = LVCF_TEXT | LVCF_FMT;
     column.pszText = const_cast<wchar_t*>(Text(kColumns[position].title));
+    column.fmt = kColumns[position].alignment;
     ListView_SetColumn(mList, position, &column);
   }
   InvalidateRect(mList, nullptr, FALSE);

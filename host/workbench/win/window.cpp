@@ -24,6 +24,16 @@ LRESULT CALLBACK NameButtons(int code, WPARAM wide, LPARAM lng) {
   return CallNextHookEx(nullptr, code, wide, lng);
 }
 
+int Dpi() {
+  static const int dpi = [] {
+    const HDC screen = GetDC(nullptr);
+    const int found = GetDeviceCaps(screen, LOGPIXELSY);
+    ReleaseDC(nullptr, screen);
+    return found > 0 ? found : USER_DEFAULT_SCREEN_DPI;
+  }();
+  return dpi;
+}
+
 }  // namespace
 
 Window::~Window() {
@@ -123,14 +133,15 @@ LRESULT ChildWindow::Default(UINT message, WPARAM wParam, LPARAM lParam) {
   return DefMDIChildProcW(Handle(), message, wParam, lParam);
 }
 
-int Scaled(int length) {
-  static const int dpi = [] {
-    const HDC screen = GetDC(nullptr);
-    const int found = GetDeviceCaps(screen, LOGPIXELSY);
-    ReleaseDC(nullptr, screen);
-    return found > 0 ? found : USER_DEFAULT_SCREEN_DPI;
-  }();
-  return MulDiv(length, dpi, USER_DEFAULT_SCREEN_DPI);
+int Scaled(int length) { return MulDiv(length, Dpi(), USER_DEFAULT_SCREEN_DPI); }
+
+int Unscaled(int length) { return MulDiv(length, USER_DEFAULT_SCREEN_DPI, Dpi()); }
+
+RECT WorkArea(HWND window) {
+  MONITORINFO monitor = {};
+  monitor.cbSize = sizeof monitor;
+  GetMonitorInfoW(MonitorFromWindow(window, MONITOR_DEFAULTTOPRIMARY), &monitor);
+  return monitor.rcWork;
 }
 
 HFONT DialogFont() {
@@ -165,10 +176,10 @@ NConfiguration::Window PlaceOf(HWND window) {
   GetWindowPlacement(window, &placement);
   const RECT& frame = placement.rcNormalPosition;
   NConfiguration::Window place;
-  place.x = frame.left;
-  place.y = frame.top;
-  place.width = frame.right - frame.left;
-  place.height = frame.bottom - frame.top;
+  place.x = Unscaled(frame.left);
+  place.y = Unscaled(frame.top);
+  place.width = Unscaled(frame.right - frame.left);
+  place.height = Unscaled(frame.bottom - frame.top);
   place.open = (GetWindowLongW(window, GWL_STYLE) & WS_VISIBLE) != 0;
   place.minimized = IsIconic(window) != FALSE;
   place.maximized = IsZoomed(window) || (place.minimized && (placement.flags & WPF_RESTORETOMAXIMIZED) != 0);
@@ -181,12 +192,14 @@ void PutAt(HWND window, const NConfiguration::Window& place) {
   placement.length = sizeof placement;
   GetWindowPlacement(window, &placement);
   RECT& frame = placement.rcNormalPosition;
-  const RECT wanted = {place.x, place.y, place.x + place.width, place.y + place.height};
+  const LONG left = Scaled(place.x), top = Scaled(place.y);
+  const LONG width = Scaled(place.width), height = Scaled(place.height);
+  const RECT wanted = {left, top, left + width, top + height};
   const bool isInside = (GetWindowLongW(window, GWL_STYLE) & WS_CHILD) != 0;
   if (isInside || MonitorFromRect(&wanted, MONITOR_DEFAULTTONULL)) {
     frame = wanted;
   } else {
-    frame = {frame.left, frame.top, frame.left + place.width, frame.top + place.height};
+    frame = {frame.left, frame.top, frame.left + width, frame.top + height};
   }
   placement.showCmd = SW_SHOWNOACTIVATE;
   if (place.maximized) placement.showCmd = SW_SHOWMAXIMIZED;

@@ -79,14 +79,17 @@ class ChildWindow : public Window {
 
 /// The icon of the program's file; `kind` is ICON_SMALL or ICON_BIG.
 void SetProgramIcon(HWND window, WPARAM kind);
-/// Pixels for a length at 96 dpi.
+/// Pixels for a length at 96 dpi, and the other way round.
 int Scaled(int length);
+int Unscaled(int length);
+/// What windows may cover of the screen that a window is on; null: of the first one.
+RECT WorkArea(HWND window);
 /// The font of the system's dialogs, for as long as the program runs.
 HFONT DialogFont();
 /// A control with the dialog font.
 HWND MakeControl(HWND parent, const wchar_t* className, const wchar_t* text, DWORD style, int id);
 std::wstring TextOf(HWND control);
-/// Where a window is when it is neither maximised nor minimised, as configurations keep it.
+/// Where a window is when it is neither maximised nor minimised, as configurations keep it: for 96 dpi.
 NConfiguration::Window PlaceOf(HWND window);
 /// Puts it there and shows it, open or not. A place without a size is none, and one outside all screens gives
 /// the size alone.

@@ -37,6 +37,23 @@ void CentreOverOwner(HWND window) {
   SetWindowPos(window, nullptr, place.left, place.top, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
+// A combo box is as high as its font makes it, whatever the template says; the fields that it stands among
+// are 14 units high.
+void MakeCombosAsHighAsFields(HWND window) {
+  RECT field = {0, 0, 0, 14};
+  MapDialogRect(window, &field);
+  for (HWND control = GetWindow(window, GW_CHILD); control; control = GetWindow(control, GW_HWNDNEXT)) {
+    wchar_t name[32] = {};
+    GetClassNameW(control, name, 32);
+    if (lstrcmpiW(name, L"ComboBox") != 0) continue;
+    RECT area = {};
+    GetWindowRect(control, &area);
+    constexpr auto kFieldItself = static_cast<WPARAM>(-1);
+    const LRESULT height = SendMessageW(control, CB_GETITEMHEIGHT, kFieldItself, 0);
+    SendMessageW(control, CB_SETITEMHEIGHT, kFieldItself, height + field.bottom - (area.bottom - area.top));
+  }
+}
+
 }  // namespace
 
 Dialog::~Dialog() { Destroy(); }
@@ -105,6 +122,7 @@ INT_PTR CALLBACK Dialog::Procedure(HWND window, UINT message, WPARAM wide, LPARA
 bool Dialog::Init(HWND window) {
   mWindow = window;
   try {
+    MakeCombosAsHighAsFields(window);
     if (mModal) CentreOverOwner(window);
     const bool systemSetsFocus = OnInit();
     mInitialised = true;

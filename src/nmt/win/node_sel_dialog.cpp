@@ -51,15 +51,19 @@ ZNMTNodeSelDlg::ZNMTNodeSelDlg(ZNMTTransmitter& transmitter, std::uint8_t defaul
 
 bool ZNMTNodeSelDlg::OnInit() {
   ZResizeableDialog::OnInit();
-  const HICON icon = LoadIconW(NCommon::LibraryOf(RT_GROUP_ICON, IDI_OSTREL), MAKEINTRESOURCEW(IDI_OSTREL));
-  SendMessageW(Window(), WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(icon));
-  SendMessageW(Window(), WM_SETICON, ICON_BIG, reinterpret_cast<LPARAM>(icon));
+  for (const auto& [kind, metric] : {std::pair(ICON_SMALL, SM_CXSMICON), std::pair(ICON_BIG, SM_CXICON)}) {
+    const int size = GetSystemMetrics(metric);
+    const HANDLE icon = LoadImageW(NCommon::LibraryOf(RT_GROUP_ICON, IDI_OSTREL),
+                                   MAKEINTRESOURCEW(IDI_OSTREL), IMAGE_ICON, size, size, LR_SHARED);
+    SendMessageW(Window(), WM_SETICON, static_cast<WPARAM>(kind), reinterpret_cast<LPARAM>(icon));
+  }
   const HWND list = Control(IDC_NMT_NODES);
   ListView_SetExtendedListViewStyle(list, LVS_EX_FULLROWSELECT | LVS_EX_GRIDLINES);
   NCommon::AddColumn(list, NResources::LoadText(IDS_NMT_COL_NODE_ID), 90);
   NCommon::AddColumn(list, NResources::LoadText(IDS_NMT_COL_NODE_NAME), 300);
   ShowNetwork();
   FillList();
+  KeepColumnsInside();
   for (const auto& button : kButtons) {
     if (button.command == mDefaultCommand) {
       SendMessageW(Window(), DM_SETDEFID, static_cast<WPARAM>(button.control), 0);
@@ -68,6 +72,15 @@ bool ZNMTNodeSelDlg::OnInit() {
   NCommon::SelectRow(list, 0);
   SetFocus(list);
   return false;
+}
+
+// Dialogs do not grow quite as the dpi do: the names take what is left for them.
+void ZNMTNodeSelDlg::KeepColumnsInside() {
+  const HWND list = Control(IDC_NMT_NODES);
+  RECT inside = {};
+  GetClientRect(list, &inside);
+  const int left = static_cast<int>(inside.right) - ListView_GetColumnWidth(list, 0);
+  if (ListView_GetColumnWidth(list, 1) > left) ListView_SetColumnWidth(list, 1, left);
 }
 
 // The name stands behind its label, which is the first control, as far as the list below it goes.

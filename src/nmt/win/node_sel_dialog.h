@@ -25,6 +25,7 @@ class ZNMTNodeSelDlg final : private NCommon::ZResizeableDialog {
 
   void ShowNetwork();
   void FillList();
+  void KeepColumnsInside();
   void SendToSelected(std::uint8_t command);
   void SendNext();
   void Close();

@@ -130,7 +130,9 @@ void ZCANopenScannerView::FetchNodes() {
   if (mModel) mNodes = mModel->GetNodes();
   if (mNodes) mNodes->GetCount(&count);
   const HWND list = Control(IDC_SCAN_NODES);
-  if (static_cast<int>(count) < ListView_GetItemCount(list)) mTip.Hide();
+  const int shown = ListView_GetItemCount(list);
+  if (static_cast<int>(count) < shown) mTip.Hide();
+  if (static_cast<int>(count) == shown) return;  // setting it draws the list once more
   ListView_SetItemCountEx(list, static_cast<int>(count), LVSICF_NOSCROLL);
 }
 
