@@ -24,6 +24,8 @@ std::vector<UsedFile> UsedFiles(const Workbench& workbench) {
     for (const auto& database : channel.databases)
       files.push_back({FileRole::Database, database, nullptr, 0});
   }
+  for (const auto& description : workbench.NodeDescriptions())
+    files.push_back({FileRole::Description, description, nullptr, 0});
   for (const auto& device : document.devices) {
     const std::string& description = device.device.description;
     if (!description.empty())

@@ -7,6 +7,7 @@
 #include "host/runtime/persistence.h"
 #include "host/runtime/text.h"
 #include "host/workbench/channel_texts.h"
+#include "host/workbench/node_descriptions.h"
 
 namespace NWorkbench {
 namespace {
@@ -100,7 +101,7 @@ void Workbench::Save(const std::filesystem::path& file) {
   document.blocks.clear();
   mDocument = std::move(document);
   mFile = path;
-  mApplication->SetConfiguration(HostConfiguration());
+  TellConfiguration();
   for (PlacedBlock& block : mBlocks) {
     if (block.object) block.stored.settings = SettingsOf(*block.object);
   }
@@ -129,7 +130,7 @@ void Workbench::Change(const NConfiguration::Document& document) {
   mDocument = document;
   mDocument.blocks.clear();
   if (reload) return OpenHost(blocks);
-  mApplication->SetConfiguration(HostConfiguration());
+  TellConfiguration();
   mApplication->SetNumberBase(mDocument.numberBase);
   mEvents.OnSetupChanged();
 }
@@ -146,8 +147,20 @@ void Workbench::SetLargeIcons(bool large) {
 }
 
 void Workbench::ReadDatabasesAgain() {
-  mApplication->SetConfiguration(HostConfiguration());
+  TellConfiguration();
   mEvents.OnSetupChanged();
+}
+
+const std::vector<std::filesystem::path>& Workbench::NodeDescriptions() const {
+  if (!mNodeDescriptions)
+    mNodeDescriptions =
+        mModule ? ReadNodeDescriptions(*mModule->PlugIn()) : std::vector<std::filesystem::path>();
+  return *mNodeDescriptions;
+}
+
+void Workbench::TellConfiguration() {
+  mApplication->SetConfiguration(HostConfiguration());
+  mNodeDescriptions.reset();
 }
 
 void Workbench::SetWindows(const NConfiguration::Window& own,
@@ -181,6 +194,7 @@ void Workbench::OpenHost(const std::vector<NConfiguration::Block>& blocks) {
 
 void Workbench::LoadModule() {
   mModuleFault.clear();
+  mNodeDescriptions.reset();
   try {
     mModule = std::make_unique<NRuntime::Module>(mOptions.module);
     mModule->Initialise(*mApplication);

@@ -67,6 +67,11 @@ class Workbench final : private NRuntime::MeasurementObserver {
   /// The configuration with the settings that blocks have now.
   NConfiguration::Document Capture() const;
   bool IsModified() const { return !mSaved || Capture() != *mSaved; }
+  /// What blocks have changed of themselves since it was opened, as the places of their windows, is no
+  /// change.
+  void SettleOpened() {
+    if (mSaved) mSaved = Capture();
+  }
   /// Replaces what is set up beside the blocks. The module is loaded anew where variant or language change.
   /// Not while a measurement runs.
   void Change(const NConfiguration::Document& document);
@@ -74,6 +79,8 @@ class Workbench final : private NRuntime::MeasurementObserver {
   void SetLargeIcons(bool large);
   /// Databases and descriptions may have other contents: whoever has read them hears of it.
   void ReadDatabasesAgain();
+  /// Device descriptions of the nodes that the databases name, as the module last read them.
+  const std::vector<std::filesystem::path>& NodeDescriptions() const;
   void SetWindows(const NConfiguration::Window& own, std::map<std::string, NConfiguration::Window> inner);
   /// Without blocks and with absolute paths.
   NConfiguration::Document ForUse() const;
@@ -134,6 +141,7 @@ class Workbench final : private NRuntime::MeasurementObserver {
   void OpenHost(const std::vector<NConfiguration::Block>& blocks);
   void CloseHost();
   void LoadModule();
+  void TellConfiguration();
   void StartSession(const std::string& fault);
   void EndSession();
   void AddStoredBlock(NConfiguration::Block block);
@@ -153,6 +161,7 @@ class Workbench final : private NRuntime::MeasurementObserver {
   std::unique_ptr<NRuntime::Module> mModule;  // null: it does not work
   NRuntime::ComPtr<NSdk::IPlugInExtensions> mExtensions;
   std::string mModuleFault;
+  mutable std::optional<std::vector<std::filesystem::path>> mNodeDescriptions;  // empty: to be read
   NRuntime::ComPtr<NRuntime::Setup> mSetup;
   std::vector<PlacedBlock> mBlocks;
   std::uint32_t mInsertChannel = 0;

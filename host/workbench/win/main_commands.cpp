@@ -185,6 +185,7 @@ void MainWindow::AfterOpening() {
         MB_OK | MB_ICONWARNING);
   }
   OpenRememberedBlocks();
+  mWorkbench->SettleOpened();
 }
 
 void MainWindow::OpenRememberedBlocks() {

@@ -96,4 +96,23 @@ TEST(WorkbenchChangedFiles, ASequenceWaitsForTheEndOfTheMeasurement) {
   EXPECT_THAT(program.Messages().back(), HasSubstr(L"no longer there"));
 }
 
+// What a block changes of itself while it is opened is no change of the user's.
+TEST(WorkbenchChangedFiles, DescriptionsThatADatabaseNamesAreWatched) {
+  const NTest::TestFolder folder;
+  const std::filesystem::path example = OSTREL_SOURCE_DIR "/examples/plant";
+  for (const char* name : {"plant.dbc", "valves.dcf", "spindle.dcf"})
+    NTest::WriteFile(folder / name, NTest::ReadFile(example / name));
+  Program program(NTest::WriteFile(folder / "plant.json", R"({"format": 1, "variant": "halvard",
+      "language": 1, "numberBase": 10,
+      "channels": [{"number": 1, "bus": "virtual", "databases": ["plant.dbc"]}],
+      "blocks": [{"progId": "HarlowPlugIn.CANopenScanner", "settings": {},
+                  "window": {"x": 0, "y": 0, "width": 500, "height": 300, "open": true}}]})"));
+  EXPECT_FALSE(program.Host().IsModified());
+  NTest::PumpFor(2500);  // the program looks at its files once
+  const auto file = folder / "valves.dcf";
+  EXPECT_THAT(AskedWhen(program, file, NTest::ReadFile(file) + "\n", IDYES, Always),
+              HasSubstr(L"valves.dcf\nwas changed by another program"));
+  EXPECT_THAT(program.Messages(), testing::IsEmpty());
+}
+
 }  // namespace
