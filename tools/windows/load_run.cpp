@@ -25,6 +25,7 @@ using Clock = std::chrono::steady_clock;
 constexpr WORD kKey = VK_F24;  // means nothing to anybody
 constexpr auto kBetweenKeys = 25ms;
 constexpr double kLongestAnswer_ms = 100;
+constexpr std::size_t kLongestShown = 6;
 
 class Unheard final : public NRuntime::CanAdapterEvents {
   void OnReceived(const NSdk::CanFrame&, NRuntime::Time) override {}
@@ -99,7 +100,13 @@ class BusyServer {
 };
 
 std::atomic<std::int64_t> gPressed_ns = 0;  // 0: the last key has arrived
-std::vector<double> gAnswers_ms;
+struct Answer {
+  double took_ms;
+  double at_s;  // when the key was pressed, from the beginning
+  auto operator<=>(const Answer&) const = default;
+};
+std::vector<Answer> gAnswers;
+std::int64_t gBegin_ns = 0;
 
 std::int64_t Now_ns() { return Clock::now().time_since_epoch().count(); }
 
@@ -107,7 +114,8 @@ LRESULT CALLBACK SeeMessage(int code, WPARAM removed, LPARAM parameter) {
   const auto& message = *reinterpret_cast<const MSG*>(parameter);
   if (code >= 0 && removed == PM_REMOVE && message.message == WM_KEYDOWN && message.wParam == kKey) {
     if (const auto pressed = gPressed_ns.exchange(0)) {
-      gAnswers_ms.push_back(static_cast<double>(Now_ns() - pressed) / 1e6);
+      gAnswers.push_back(
+          {static_cast<double>(Now_ns() - pressed) / 1e6, static_cast<double>(pressed - gBegin_ns) / 1e9});
     }
   }
   return CallNextHookEx(nullptr, code, removed, parameter);
@@ -206,6 +214,7 @@ int Measure(std::chrono::seconds span, std::uint32_t perSecond) {
   program.SetWatch([&](HWND window, UINT message, auto time) { handlings.Add(window, message, time); });
   const HHOOK hook = SetWindowsHookExW(WH_GETMESSAGE, SeeMessage, nullptr, GetCurrentThreadId());
   const double before = Megabytes(), busyBefore = ThreadSeconds();
+  gBegin_ns = Now_ns();
   server.SendFor(span);
   std::atomic<bool> stop = false;
   std::thread keys([&] { PressKeys(stop); });
@@ -221,16 +230,20 @@ int Measure(std::chrono::seconds span, std::uint32_t perSecond) {
   const auto total = static_cast<int>(span.count() * perSecond);
   program.Wait([&] { return program.TraceRows() >= std::min(total, 1'000'000); });
   UnhookWindowsHookEx(hook);
-  std::sort(gAnswers_ms.begin(), gAnswers_ms.end());
-  if (gAnswers_ms.empty()) return std::printf("no key has arrived\n"), 2;
+  std::sort(gAnswers.begin(), gAnswers.end());
+  if (gAnswers.empty()) return std::printf("no key has arrived\n"), 2;
   const auto part = [&](double share) {
-    return gAnswers_ms[static_cast<std::size_t>(share * static_cast<double>(gAnswers_ms.size() - 1))];
+    return gAnswers[static_cast<std::size_t>(share * static_cast<double>(gAnswers.size() - 1))].took_ms;
   };
   const int rows = program.TraceRows();
   std::printf("frames     %d in %d s, %d in the trace, %d lost\n", total, static_cast<int>(span.count()),
               rows, std::min(total, 1'000'000) - rows);
-  std::printf("answers    %zu keys: median %.1f ms, 99 %% %.1f ms, longest %.1f ms\n", gAnswers_ms.size(),
+  std::printf("answers    %zu keys: median %.1f ms, 99 %% %.1f ms, longest %.1f ms\n", gAnswers.size(),
               part(0.5), part(0.99), part(1));
+  std::printf("           the longest:");
+  for (std::size_t i = gAnswers.size(); i > 0 && i + kLongestShown > gAnswers.size(); --i)
+    std::printf(" %.1f ms at %.1f s%s", gAnswers[i - 1].took_ms, gAnswers[i - 1].at_s, i > 1 ? "," : "");
+  std::printf("\n");
   std::printf("memory     %.0f MB at the start, %.0f MB in the middle, %.0f MB at the end\n", before, middle,
               Megabytes());
   std::printf("thread     busy %.0f %% of the time\n", 100 * busy / static_cast<double>(span.count()));
