@@ -185,7 +185,7 @@ void MainWindow::AfterOpening() {
         MB_OK | MB_ICONWARNING);
   }
   OpenRememberedBlocks();
-  mWorkbench->SettleOpened();
+  SettleLater();
 }
 
 void MainWindow::OpenRememberedBlocks() {

@@ -16,7 +16,7 @@ namespace {
 constexpr UINT_PTR kStatusTimer = 1;
 constexpr UINT kStatusPeriod_ms = 250;
 constexpr int kTicksPerSpan = 4;  // one second: of the bus load, and until what has changed is looked at
-constexpr UINT kRefresh = WM_APP, kLook = WM_APP + 1;
+constexpr UINT kRefresh = WM_APP, kLook = WM_APP + 1, kSettle = WM_APP + 2;
 
 bool IsInTask(NRuntime::IoLoop& loop) { return static_cast<WindowLoop&>(loop).IsInTask(); }
 
@@ -160,6 +160,9 @@ void MainWindow::OnTrouble(const std::string& text) {
   if (mMessages) mMessages->Add(Wide(text));
 }
 
+// Behind what the windows of blocks have posted to themselves, to load a file for example.
+void MainWindow::SettleLater() { PostMessageW(Handle(), kSettle, 0, 0); }
+
 // Many things change at once, and a module tells of it from inside its calls.
 void MainWindow::RefreshLater() {
   if (!mRefreshPosted && mStatus) mRefreshPosted = PostMessageW(Handle(), kRefresh, 0, 0) != FALSE;
@@ -202,6 +205,9 @@ LRESULT MainWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     case WM_ACTIVATEAPP:
       if (wParam && mStatus) PostMessageW(Handle(), kLook, 0, 0);
       break;
+    case kSettle:
+      mWorkbench->SettleOpened();
+      return 0;
     case kLook:
       LookAtFiles();
       return 0;

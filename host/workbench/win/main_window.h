@@ -57,6 +57,7 @@ class MainWindow final : public Window, private WorkbenchEvents, private SetupCo
   void MakeInside();
   void Arrange();
   void RefreshLater();
+  void SettleLater();
   void RefreshAll();
   void ShowTitle();
   void ShowStatus();

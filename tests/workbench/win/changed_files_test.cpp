@@ -100,15 +100,17 @@ TEST(WorkbenchChangedFiles, ASequenceWaitsForTheEndOfTheMeasurement) {
 TEST(WorkbenchChangedFiles, DescriptionsThatADatabaseNamesAreWatched) {
   const NTest::TestFolder folder;
   const std::filesystem::path example = OSTREL_SOURCE_DIR "/examples/plant";
-  for (const char* name : {"plant.dbc", "valves.dcf", "spindle.dcf"})
+  for (const char* name : {"plant.dbc", "valves.dcf", "spindle.dcf", "plant.seq"})
     NTest::WriteFile(folder / name, NTest::ReadFile(example / name));
   Program program(NTest::WriteFile(folder / "plant.json", R"({"format": 1, "variant": "halvard",
       "language": 1, "numberBase": 10,
       "channels": [{"number": 1, "bus": "virtual", "databases": ["plant.dbc"]}],
-      "blocks": [{"progId": "HarlowPlugIn.CANopenScanner", "settings": {},
+      "blocks": [{"progId": "HarlowPlugIn.CANopenIG", "settings": {"LastCOIGSequenceRel": "plant.seq"},
+                  "window": {"x": 0, "y": 0, "width": 500, "height": 300, "open": true}},
+                 {"progId": "HarlowPlugIn.CANopenScanner", "settings": {},
                   "window": {"x": 0, "y": 0, "width": 500, "height": 300, "open": true}}]})"));
+  NTest::PumpFor(2500);  // the generator loads its file, and the program looks at its files once
   EXPECT_FALSE(program.Host().IsModified());
-  NTest::PumpFor(2500);  // the program looks at its files once
   const auto file = folder / "valves.dcf";
   EXPECT_THAT(AskedWhen(program, file, NTest::ReadFile(file) + "\n", IDYES, Always),
               HasSubstr(L"valves.dcf\nwas changed by another program"));
