@@ -70,7 +70,7 @@ class Workbench final : private NRuntime::MeasurementObserver {
   /// What blocks have changed of themselves since it was opened, as the places of their windows, is no
   /// change.
   void SettleOpened() {
-    if (mSaved) mSaved = Capture();
+    if (mSaved) mSaved->blocks = CaptureBlocks();
   }
   /// Replaces what is set up beside the blocks. The module is loaded anew where variant or language change.
   /// Not while a measurement runs.
