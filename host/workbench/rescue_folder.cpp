@@ -23,7 +23,7 @@ constexpr std::size_t kLargestContents = 64 * 1024;
   throw std::runtime_error(NRuntime::PathText(file) + ": " + reason);
 }
 
-std::string BlockFile(std::size_t position) { return "block-" + std::to_string(position) + ".seq"; }
+std::string BlockFile(std::size_t position) { return "block-" + std::to_string(position); }
 
 // The rest of a line behind its first word.
 std::string RestOf(std::istringstream& line) {

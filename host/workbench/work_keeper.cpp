@@ -17,9 +17,7 @@ WorkKeeper::States WorkKeeper::UnsavedBlocks() const {
   States states;
   const auto& blocks = mWorkbench.Blocks();
   for (std::size_t position = 0; position < blocks.size(); ++position) {
-    const auto work = NRuntime::Query<NSdk::IWorkCopy>(blocks[position].object);
-    std::uint32_t state = 0;
-    if (work && work->GetUnsavedState(&state) == S_OK && state != 0) states.emplace_back(position, state);
+    if (const std::uint32_t state = UnsavedStateOf(blocks[position])) states.emplace_back(position, state);
   }
   return states;
 }

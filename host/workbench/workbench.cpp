@@ -8,6 +8,7 @@
 #include "host/runtime/text.h"
 #include "host/workbench/channel_texts.h"
 #include "host/workbench/node_descriptions.h"
+#include "sdk/unsaved_work.h"
 
 namespace NWorkbench {
 namespace {
@@ -45,6 +46,12 @@ std::vector<NConfiguration::Block::Setting> SettingsOf(IUnknown& block) {
     settings.emplace_back(NRuntime::ToUtf8(key), NRuntime::ToUtf8(value));
   }
   return settings;
+}
+
+std::uint32_t UnsavedStateOf(const PlacedBlock& block) {
+  const auto work = NRuntime::Query<NSdk::IWorkCopy>(block.object);
+  std::uint32_t state = 0;
+  return work && work->GetUnsavedState(&state) == S_OK ? state : 0;
 }
 
 Workbench::Workbench(WorkbenchOptions options, WorkbenchEvents& events)

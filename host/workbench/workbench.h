@@ -176,5 +176,7 @@ class Workbench final : private NRuntime::MeasurementObserver {
 
 /// Settings of a block as it has them now; those that are given when it does not answer.
 std::vector<NConfiguration::Block::Setting> SettingsOf(IUnknown& block);
+/// Of work that the configuration does not keep: differs after each change; 0: nothing is unsaved.
+std::uint32_t UnsavedStateOf(const PlacedBlock& block);
 
 }  // namespace NWorkbench

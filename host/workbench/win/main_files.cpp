@@ -5,7 +5,6 @@
 
 #include "host/runtime/text.h"
 #include "host/workbench/texts.h"
-#include "sdk/unsaved_work.h"
 #include "sdk/work_file.h"
 
 // Files that other programs change while they are open here.
@@ -15,11 +14,7 @@ namespace {
 
 constexpr std::chrono::seconds kPause{2};
 
-bool IsUnsaved(const PlacedBlock& block) {
-  const auto work = NRuntime::Query<NSdk::IWorkCopy>(block.object);
-  std::uint32_t state = 0;
-  return work && work->GetUnsavedState(&state) == S_OK && state != 0;
-}
+bool IsUnsaved(const PlacedBlock& block) { return UnsavedStateOf(block) != 0; }
 
 }  // namespace
 
