@@ -300,10 +300,10 @@ HRESULT ZCANopenIGNode::WriteCopy(const wchar_t* path) {
   return NCom::Entry([&]() -> HRESULT {
     if (!path) return E_POINTER;
     if (!mEditing.IsModified()) return S_FALSE;
-    const std::filesystem::path file = NCommon::WideToPath(path);
-    SaveSequenceFile(file, mGenerator.List(NSdk::kSequenceList), mGenerator.List(NSdk::kCyclicList));
-    std::error_code ignored;
-    return std::filesystem::exists(file, ignored) ? S_OK : E_FAIL;
+    bool written = false;
+    SaveSequenceFile(NCommon::WideToPath(path), mGenerator.List(NSdk::kSequenceList),
+                     mGenerator.List(NSdk::kCyclicList), nullptr, &written);
+    return written ? S_OK : E_FAIL;
   });
 }
 
