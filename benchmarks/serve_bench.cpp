@@ -6,48 +6,20 @@
 #include <cstring>
 #include <ctime>
 
-#include "benchmarks/served_bus.h"
+#include "benchmarks/frame_source.h"
 
 namespace {
 
 using namespace std::chrono_literals;
 using NRuntime::Time;
 
-constexpr Time kTick = 1ms;
 constexpr Time kPatience = 3s;  // for what is still on its way
 
-// Sends numbered frames at a rate, in the server's thread.
-class Source {
- public:
-  Source(NBenchmarks::ServedBus& bus, std::uint64_t count, double rate)
-      : mBus(bus), mCount(count), mRate(rate), mAlarm(bus.Loop().MakeAlarm([this] { Tick(); })) {}
-
-  void Start() {
-    mStart = mBus.Loop().Now();
-    mAlarm->SetFor(mStart);
-  }
-  // Withdrawn in the thread that it belongs to.
-  void Stop() { mAlarm.reset(); }
-
- private:
-  void Tick() {
-    const double elapsed_s = std::chrono::duration<double>(mBus.Loop().Now() - mStart).count();
-    const auto due = static_cast<std::uint64_t>(elapsed_s * mRate);
-    for (; mSent < due && mSent < mCount; ++mSent) {
-      NSdk::CanFrame frame = {0x181, {}, 8};
-      std::memcpy(frame.data, &mSent, sizeof mSent);
-      mBus.Send(frame);
-    }
-    if (mSent < mCount) mAlarm->SetFor(mBus.Loop().Now() + kTick);
-  }
-
-  NBenchmarks::ServedBus& mBus;
-  const std::uint64_t mCount;
-  const double mRate;
-  std::unique_ptr<NRuntime::Alarm> mAlarm;
-  std::uint64_t mSent = 0;
-  Time mStart{};
-};
+NSdk::CanFrame Numbered(std::uint64_t number) {
+  NSdk::CanFrame frame = {0x181, {}, 8};
+  std::memcpy(frame.data, &number, sizeof number);
+  return frame;
+}
 
 // Counts what arrives, and whether a number is missing.
 class Sink final : public NRuntime::CanAdapterEvents {
@@ -88,11 +60,11 @@ int Run(double seconds, double rate) {
   Sink sink(loop, count);
   const auto client = factory.Make(bus.Word());
   client->Open(sink);
-  Source source(bus, count, rate);
+  NBenchmarks::FrameSource source(bus, count, rate, Numbered);
   // The server begins to pass frames on a moment after the client has asked for them.
   std::this_thread::sleep_for(100ms);
   const std::clock_t before = std::clock();
-  bus.Loop().Post([&] { source.Start(); });
+  bus.Loop().Post([&] { source.StartAfter(0s); });
   loop.Run();
   const double cpu_s = static_cast<double>(std::clock() - before) / CLOCKS_PER_SEC;
   const double elapsed_s = std::chrono::duration<double>(sink.last - sink.first).count();

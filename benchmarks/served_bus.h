@@ -18,13 +18,17 @@ class ServedBus final : private NRuntime::CanAdapterEvents {
  public:
   using OnFrame = std::function<void(const NSdk::CanFrame&, NRuntime::Time)>;
 
-  /// `onFrame` is called in the server's thread for each frame of a client.
-  explicit ServedBus(OnFrame onFrame) : mOnFrame(std::move(onFrame)), mPort(mFactory.Make("virtual")) {
+  using OnNote = std::function<void(const std::string&)>;
+
+  /// `onFrame` is called in the server's thread for each frame of a client, `onNote` when a client opens the
+  /// bus and when it leaves.
+  explicit ServedBus(
+      OnFrame onFrame, OnNote onNote = [](const std::string&) {})
+      : mOnFrame(std::move(onFrame)), mPort(mFactory.Make("virtual")) {
     std::vector<NBuses::ServedBus> buses;
     buses.push_back({{"can1"}, mFactory.Make("virtual")});
     const auto trouble = [](const std::string& text) { std::fprintf(stderr, "server: %s\n", text.c_str()); };
-    mServer.emplace(mLoop, std::move(buses),
-                    NBuses::SocketcandServerEvents{[](const std::string&) {}, trouble});
+    mServer.emplace(mLoop, std::move(buses), NBuses::SocketcandServerEvents{std::move(onNote), trouble});
     mServer->Start({"127.0.0.1", 0});
     mPort->Open(*this);
     mAddress = mServer->Address();

@@ -1,18 +1,16 @@
-// load_run [SECONDS [FRAMES_PER_SECOND]]: how the program does on a busy bus, with trace and scanner open. A
-// server in this process sends the frames; keys are pressed all the while, and the time is taken until the
-// program gets them. Prints the figures; status 1: frames were lost, or a tenth of a second was not kept.
-
-// asio's header comes first: it brings the socket headers, which must precede those of Windows.
-#include "host/buses/socketcand_server.h"
+// load_run BUS SECONDS FRAMES_PER_SECOND: how the program does on a busy bus, with trace and scanner open.
+// The frames come from benchmarks/busy_bus; keys are pressed all the while, and the time is taken until the
+// program has handled them. Prints the figures; status 1: frames were lost, or a tenth of a second was not
+// kept.
+#include <windows.h>
 
 #include <psapi.h>
 
 #include <algorithm>
 #include <cstdio>
+#include <future>
 #include <map>
 
-#include "host/buses/bus_factory.h"
-#include "host/runtime/asio_loop.h"
 #include "host/workbench/win/command_ids.h"
 #include "tests/workbench/win/program.h"
 
@@ -27,78 +25,6 @@ constexpr auto kBetweenKeys = 25ms;
 constexpr double kLongestAnswer_ms = 100;
 constexpr std::size_t kLongestShown = 6;
 
-class Unheard final : public NRuntime::CanAdapterEvents {
-  void OnReceived(const NSdk::CanFrame&, NRuntime::Time) override {}
-  void OnSent(const NSdk::CanFrame&, NRuntime::Time) override {}
-  void OnTrouble(const std::string& text) override { std::fprintf(stderr, "%s\n", text.c_str()); }
-};
-
-// Process data, heartbeats, SDO answers and now and then an error, of all 127 nodes.
-NSdk::CanFrame FrameOf(std::uint32_t number) {
-  const std::uint32_t node = number / 8 % 127 + 1;
-  const std::uint32_t bases[] = {0x180, 0x280, 0x380, 0x480, 0x180, 0x280, 0x580, 0x700};
-  const std::uint32_t base = number % 1016 == 0 ? 0x80 : bases[number % 8];
-  NSdk::CanFrame frame = {base + node, {}, base == 0x700 ? 1u : 8u};
-  for (std::uint32_t position = 0; position < 4; ++position)
-    frame.data[position] = static_cast<std::uint8_t>(number >> 8 * position);
-  if (base == 0x700) frame.data[0] = 5;
-  if (base == 0x580) frame.data[0] = 0x60;
-  return frame;
-}
-
-// A bus on the network with a sender on it, on a thread of their own.
-class BusyServer {
- public:
-  explicit BusyServer(std::uint32_t perSecond) : mPerSecond(perSecond) {
-    std::vector<NBuses::ServedBus> buses;
-    buses.push_back({{"can0"}, mBuses.Make("virtual")});
-    const auto tell = [](const std::string& text) { std::fprintf(stderr, "server: %s\n", text.c_str()); };
-    mServer = std::make_unique<NBuses::SocketcandServer>(mLoop, std::move(buses),
-                                                         NBuses::SocketcandServerEvents{tell, tell});
-    mServer->Start({"127.0.0.1", 0});
-    address = mServer->Address();
-    mSender->Open(mUnheard);
-    mAlarm = mLoop.MakeAlarm([this] { SendDue(); });
-    mThread = std::thread([this] { mLoop.Run(); });
-  }
-  ~BusyServer() {
-    mLoop.Post([this] { mLoop.Stop(); });
-    mThread.join();
-  }
-  void SendFor(std::chrono::seconds span) {
-    mLoop.Post([this, span] {
-      mBegin = mLoop.Now();
-      mTotal = static_cast<std::uint32_t>(span.count()) * mPerSecond;
-      SendDue();
-    });
-  }
-
-  std::string address;
-  std::atomic<std::uint32_t> sent = 0;
-
- private:
-  void SendDue() {
-    const auto passed_us =
-        std::chrono::duration_cast<std::chrono::microseconds>(mLoop.Now() - mBegin).count();
-    const auto due = static_cast<std::uint32_t>(passed_us * mPerSecond / 1'000'000);
-    std::uint32_t number = sent;
-    for (; number < std::min(due, mTotal); ++number) mSender->Send(FrameOf(number));
-    sent = number;
-    if (number < mTotal) mAlarm->SetFor(mLoop.Now() + 1ms);
-  }
-
-  const std::uint32_t mPerSecond;
-  NRuntime::AsioLoop mLoop;
-  NBuses::BusFactory mBuses{mLoop};
-  std::unique_ptr<NBuses::SocketcandServer> mServer;
-  Unheard mUnheard;
-  std::unique_ptr<NRuntime::CanAdapter> mSender = mBuses.Make("virtual");
-  std::unique_ptr<NRuntime::Alarm> mAlarm;
-  NRuntime::Time mBegin{};
-  std::uint32_t mTotal = 0;
-  std::thread mThread;
-};
-
 std::atomic<std::int64_t> gPressed_ns = 0;  // 0: the last key has arrived
 struct Answer {
   double took_ms;
@@ -110,15 +36,12 @@ std::int64_t gBegin_ns = 0;
 
 std::int64_t Now_ns() { return Clock::now().time_since_epoch().count(); }
 
-LRESULT CALLBACK SeeMessage(int code, WPARAM removed, LPARAM parameter) {
-  const auto& message = *reinterpret_cast<const MSG*>(parameter);
-  if (code >= 0 && removed == PM_REMOVE && message.message == WM_KEYDOWN && message.wParam == kKey) {
-    if (const auto pressed = gPressed_ns.exchange(0)) {
-      gAnswers.push_back(
-          {static_cast<double>(Now_ns() - pressed) / 1e6, static_cast<double>(pressed - gBegin_ns) / 1e9});
-    }
-  }
-  return CallNextHookEx(nullptr, code, removed, parameter);
+// The key has been handled.
+void NoteAnswer() {
+  const auto pressed = gPressed_ns.exchange(0);
+  if (pressed == 0) return;
+  gAnswers.push_back(
+      {static_cast<double>(Now_ns() - pressed) / 1e6, static_cast<double>(pressed - gBegin_ns) / 1e9});
 }
 
 void PressKeys(const std::atomic<bool>& stop) {
@@ -133,6 +56,19 @@ void PressKeys(const std::atomic<bool>& stop) {
     }
     std::this_thread::sleep_for(kBetweenKeys);
   }
+}
+
+// What the machine itself takes away: how late a thread comes that does nothing but sleep.
+double LongestLateness_ms(const std::atomic<bool>& stop) {
+  constexpr auto kSleep = 5ms;
+  double longest = 0;
+  while (!stop) {
+    const auto begin = Clock::now();
+    std::this_thread::sleep_for(kSleep);
+    longest =
+        std::max(longest, std::chrono::duration<double, std::milli>(Clock::now() - begin - kSleep).count());
+  }
+  return longest;
 }
 
 // What the program's thread was kept by: each window with each message.
@@ -196,28 +132,28 @@ double ThreadSeconds() {
   return (ticks(kernel) + ticks(user)) / 1e7;
 }
 
-std::string Configuration(const std::string& address) {
-  const auto file =
-      WriteConfiguration("load.json", R"({"number": 1, "bus": "socketcand:)" + address + R"(/can0"})",
-                         R"(, "blocks": [{"progId": "HarlowPlugIn.CANopenScanner",
+std::string Configuration(const std::string& bus) {
+  const auto file = WriteConfiguration("load.json", R"({"number": 1, "bus": ")" + bus + R"("})",
+                                       R"(, "blocks": [{"progId": "HarlowPlugIn.CANopenScanner",
           "window": {"x": 0, "y": 420, "width": 640, "height": 200, "open": true, "maximized": false}}])");
   return file.string();
 }
 
-int Measure(std::chrono::seconds span, std::uint32_t perSecond) {
-  BusyServer server(perSecond);
-  Program program(Configuration(server.address));
+int Measure(const std::string& bus, std::chrono::seconds span, int perSecond) {
+  Program program(Configuration(bus));
   SetForegroundWindow(program.Main());
   program.Command(NWorkbench::kMeasureStart);
-  if (!program.Wait([&] { return program.Status(0).find(L"Measuring") == 0; })) return 2;
+  if (!program.Wait([&] { return program.TraceRows() > 0; })) return std::printf("no frame has come\n"), 2;
   Handlings handlings;
-  program.SetWatch([&](HWND window, UINT message, auto time) { handlings.Add(window, message, time); });
-  const HHOOK hook = SetWindowsHookExW(WH_GETMESSAGE, SeeMessage, nullptr, GetCurrentThreadId());
+  program.SetWatch([&](HWND window, UINT message, auto time) {
+    handlings.Add(window, message, time);
+    if (message == WM_KEYDOWN) NoteAnswer();
+  });
   const double before = Megabytes(), busyBefore = ThreadSeconds();
   gBegin_ns = Now_ns();
-  server.SendFor(span);
   std::atomic<bool> stop = false;
   std::thread keys([&] { PressKeys(stop); });
+  auto lateness = std::async(std::launch::async, [&] { return LongestLateness_ms(stop); });
   const auto begin = Clock::now();
   double middle = 0;
   while (Clock::now() < begin + span) {
@@ -227,9 +163,9 @@ int Measure(std::chrono::seconds span, std::uint32_t perSecond) {
   const double busy = ThreadSeconds() - busyBefore;
   stop = true;
   keys.join();
-  const auto total = static_cast<int>(span.count() * perSecond);
+  const double late = lateness.get();
+  const auto total = static_cast<int>(span.count()) * perSecond;
   program.Wait([&] { return program.TraceRows() >= std::min(total, 1'000'000); });
-  UnhookWindowsHookEx(hook);
   std::sort(gAnswers.begin(), gAnswers.end());
   if (gAnswers.empty()) return std::printf("no key has arrived\n"), 2;
   const auto part = [&](double share) {
@@ -244,6 +180,7 @@ int Measure(std::chrono::seconds span, std::uint32_t perSecond) {
   for (std::size_t i = gAnswers.size(); i > 0 && i + kLongestShown > gAnswers.size(); --i)
     std::printf(" %.1f ms at %.1f s%s", gAnswers[i - 1].took_ms, gAnswers[i - 1].at_s, i > 1 ? "," : "");
   std::printf("\n");
+  std::printf("machine    a thread that only sleeps was late by up to %.1f ms\n", late);
   std::printf("memory     %.0f MB at the start, %.0f MB in the middle, %.0f MB at the end\n", before, middle,
               Megabytes());
   std::printf("thread     busy %.0f %% of the time\n", 100 * busy / static_cast<double>(span.count()));
@@ -256,7 +193,11 @@ int Measure(std::chrono::seconds span, std::uint32_t perSecond) {
 }  // namespace
 
 int main(int count, char** arguments) {
-  const int seconds = count > 1 ? std::atoi(arguments[1]) : 60;
-  const int perSecond = count > 2 ? std::atoi(arguments[2]) : 8000;
-  return Measure(std::chrono::seconds(seconds), static_cast<std::uint32_t>(perSecond));
+  const int seconds = count > 2 ? std::atoi(arguments[2]) : 0;
+  const int perSecond = count > 3 ? std::atoi(arguments[3]) : 0;
+  if (seconds < 1 || perSecond < 1) {
+    std::fputs("usage: load_run BUS SECONDS FRAMES_PER_SECOND\n", stderr);
+    return 2;
+  }
+  return Measure(arguments[1], std::chrono::seconds(seconds), perSecond);
 }
