@@ -22,6 +22,10 @@ class IoLoop : public Loop {
 
   virtual asio::any_io_executor Executor() = 0;
 
+  /// So much comes that a loop to which each event is dear may take a few milliseconds of it at once. What is
+  /// due at a time then comes by as much later.
+  virtual void SetFlooded(bool) {}
+
  protected:
   virtual void PostForRealTime(Task task) = 0;
   /// When an alarm of real time goes off that is wanted for `deadline`: not before.

@@ -14,6 +14,8 @@ namespace NWorkbench {
 namespace {
 
 constexpr wchar_t kChannelKey[] = L"CANChannel";  // of a block that belongs to a channel
+// Frames per second: more than any SDO transfer brings, each answer of which is waited for.
+constexpr double kFlood = 3000;
 
 NRuntime::Settings ReadSettings(IUnknown& block) {
   const auto persistent = NRuntime::Query<NSdk::IPersistentObject>(&block);
@@ -388,7 +390,12 @@ void Workbench::Tidy(const std::function<bool(NRuntime::IoLoop&)>& isInTask) {
 }
 
 void Workbench::EndLoadSpan() {
-  for (auto& [number, load] : mLoads) load.EndSpan(Elapsed());
+  double received = 0;
+  for (auto& [number, load] : mLoads) {
+    load.EndSpan(Elapsed());
+    received += load.ReceivedRate();
+  }
+  if (mSession) mSession->Loop().SetFlooded(received >= kFlood);
 }
 
 void Workbench::OnFrame(const NRuntime::SeenFrame& seen) {

@@ -6,6 +6,8 @@
 
 #include <windows.h>
 
+#include <timeapi.h>
+
 #include <atomic>
 #include <deque>
 #include <mutex>
@@ -23,6 +25,8 @@ constexpr UINT_PTR kLaterTimer = 1;
 constexpr std::chrono::milliseconds kLongestTurn{8};
 // Many short turns may be as bad as a long one.
 constexpr std::chrono::milliseconds kLongestWait{20};
+// To wake the window takes longer than to handle a frame.
+constexpr std::chrono::milliseconds kFloodPause{4};
 
 // A task as asio hands it over, which can be moved but not copied.
 class Pending {
@@ -66,6 +70,8 @@ class WindowLoop::Core {
     if (first) Wake();
   }
 
+  void SetFlooded(bool isFlooded);
+
   void Wake() {
     if (!mWoken.exchange(true)) PostMessageW(mWindow, kRunTasks, 0, 0);
   }
@@ -75,6 +81,7 @@ class WindowLoop::Core {
  private:
   static LRESULT CALLBACK Receive(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
   static HWND MakeReceiver();
+  void WaitForEvents();
   std::unique_ptr<Pending> Take();
   bool RunOne();
   bool RunOneGuarded();
@@ -88,6 +95,7 @@ class WindowLoop::Core {
   std::mutex mMutex;
   std::deque<std::unique_ptr<Pending>> mPending;
   std::atomic<bool> mWoken = false;
+  std::atomic<bool> mIsFlooded = false;
   HWND mWindow = nullptr;
   std::optional<std::chrono::steady_clock::time_point> mWaitingSince;  // input or painting
   std::thread mThread;
@@ -131,14 +139,28 @@ WindowLoop::Core::Core(WindowLoop& owner, std::function<void(const std::string&)
     : mOwner(owner), mOnFault(std::move(onFault)), mWindow(MakeReceiver()) {
   if (!mWindow) throw std::runtime_error("the window that receives the events of buses cannot be made");
   SetWindowLongPtrW(mWindow, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
-  mThread = std::thread([this] { mContext.run(); });
+  mThread = std::thread([this] { WaitForEvents(); });
 }
 
 WindowLoop::Core::~Core() {
   mContext.stop();
   mThread.join();
+  SetFlooded(false);
   SetWindowLongPtrW(mWindow, GWLP_USERDATA, 0);
   DestroyWindow(mWindow);
+}
+
+void WindowLoop::Core::WaitForEvents() {
+  while (mContext.run_one() != 0) {
+    mContext.poll();
+    if (mIsFlooded) std::this_thread::sleep_for(kFloodPause);
+  }
+}
+
+// The scheduler's tick is longer than the pause unless it is asked for.
+void WindowLoop::Core::SetFlooded(bool isFlooded) {
+  if (mIsFlooded.exchange(isFlooded) == isFlooded) return;
+  isFlooded ? timeBeginPeriod(1) : timeEndPeriod(1);
 }
 
 LRESULT CALLBACK WindowLoop::Core::Receive(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -208,6 +230,8 @@ WindowLoop::WindowLoop(std::function<void(const std::string&)> onFault)
 WindowLoop::~WindowLoop() = default;
 
 asio::any_io_executor WindowLoop::Executor() { return WindowExecutor<Core>{mCore.get()}; }
+
+void WindowLoop::SetFlooded(bool isFlooded) { mCore->SetFlooded(isFlooded); }
 
 bool WindowLoop::IsInTask() const { return mCore->depth != 0; }
 

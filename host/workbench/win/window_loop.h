@@ -20,6 +20,7 @@ class WindowLoop final : public NRuntime::IoLoop {
   WindowLoop& operator=(const WindowLoop&) = delete;
 
   asio::any_io_executor Executor() override;
+  void SetFlooded(bool isFlooded) override;
 
   /// Does one of its tasks run at this moment? The loop must then not be destroyed.
   bool IsInTask() const;
