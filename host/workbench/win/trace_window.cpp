@@ -19,8 +19,9 @@ constexpr UINT kRefreshPeriod_ms = 50;
 // Drawing takes no more than this part of the time, however slow the screen is.
 constexpr int kShareOfDrawing = 10;
 constexpr UINT kLongestPeriod_ms = 1000;
-// When nobody can read what goes by.
+// When nobody can read what goes by. A scroll bar takes as long to draw as all rows, and hardly changes.
 constexpr UINT kFloodPeriod_ms = 100;
+constexpr std::chrono::seconds kFloodPeriodOfBar{1};
 constexpr std::size_t kRowsAtOnce = 20000;  // that a filter looks at between two refreshes
 constexpr std::size_t kMostCopied = 100000;
 
@@ -141,13 +142,14 @@ void TraceWindow::Arrange() {
 // A list draws itself for its count, once more for its place, and then for its rows. While it counts as
 // hidden it draws nothing. That is asked of every window's procedure and not of the list's own, which would
 // no longer follow the count with its scroll bar.
-void TraceWindow::ShowRows(int count, bool toTheLast) const {
+void TraceWindow::ShowRows(int count, bool toTheLast, bool withBar) const {
   DefWindowProcW(mList, WM_SETREDRAW, FALSE, 0);
   ListView_SetItemCountEx(mList, count, LVSICF_NOSCROLL);
   if (toTheLast) ListView_EnsureVisible(mList, count - 1, FALSE);
   DefWindowProcW(mList, WM_SETREDRAW, TRUE, 0);
+  if (!withBar) RedrawWindow(mList, nullptr, nullptr, RDW_VALIDATE | RDW_NOFRAME);  // it was hidden as well
   RedrawWindow(mList, nullptr, nullptr,
-               RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_NOCHILDREN | RDW_UPDATENOW);
+               RDW_INVALIDATE | RDW_ERASE | (withBar ? RDW_FRAME : 0) | RDW_NOCHILDREN | RDW_UPDATENOW);
 }
 
 // The last row is followed as long as the user has it in view.
@@ -155,8 +157,8 @@ void TraceWindow::ShowNew() {
   if (IsIconic(Handle()) || !IsWindowVisible(Handle())) return;
   mView.Update(kRowsAtOnce);
   const std::size_t count = mView.Count();
-  if (count == mShownCount && mStore.End() == mShownEnd) return;
-  if (mView.IsPaused() && count == mShownCount) return;
+  const bool isAsShown = count == mShownCount && (mView.IsPaused() || mStore.End() == mShownEnd);
+  if (isAsShown && !mBarIsOld) return;
   const int bottom = ListView_GetTopIndex(mList) + ListView_GetCountPerPage(mList);
   const bool follows = static_cast<std::size_t>(bottom) >= mShownCount;
   const bool isFlood = mStore.End() >= mShownEnd + static_cast<std::size_t>(ListView_GetCountPerPage(mList));
@@ -164,7 +166,9 @@ void TraceWindow::ShowNew() {
   mShownCount = count;
   mShownEnd = mStore.End();
   const auto begin = std::chrono::steady_clock::now();
-  ShowRows(static_cast<int>(count), follows && count != 0 && !mView.IsPaused());
+  mBarIsOld = isFlood && begin < mBarDrawn + kFloodPeriodOfBar;
+  if (!mBarIsOld) mBarDrawn = begin;
+  ShowRows(static_cast<int>(count), follows && count != 0 && !mView.IsPaused(), !mBarIsOld);
   using std::chrono::milliseconds;
   const auto cost = std::chrono::duration_cast<milliseconds>(std::chrono::steady_clock::now() - begin);
   const auto period = std::clamp(static_cast<UINT>(kShareOfDrawing * cost.count()), least, kLongestPeriod_ms);

@@ -4,6 +4,8 @@
 
 #include <commctrl.h>
 
+#include <chrono>
+
 #include "host/workbench/trace_view.h"
 
 namespace NWorkbench {
@@ -27,7 +29,7 @@ class TraceWindow final : public ChildWindow {
   void MakeControls();
   void Arrange();
   void ShowNew();
-  void ShowRows(int count, bool toTheLast) const;
+  void ShowRows(int count, bool toTheLast, bool withBar) const;
   void GiveText(LVITEMW& item) const;
   void Copy() const;
 
@@ -36,6 +38,8 @@ class TraceWindow final : public ChildWindow {
   HWND mPause = nullptr, mClear = nullptr, mFilterLabel = nullptr, mFilter = nullptr, mList = nullptr;
   std::uint64_t mShownEnd = 0;
   std::size_t mShownCount = 0;
+  std::chrono::steady_clock::time_point mBarDrawn;
+  bool mBarIsOld = false;
   mutable std::wstring mText;  // of the cell that was asked for last
 };
 

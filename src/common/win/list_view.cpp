@@ -49,6 +49,8 @@ std::vector<LPARAM> SelectedData(HWND list) {
   return data;
 }
 
+void RedrawRows(HWND list) { RedrawWindow(list, nullptr, nullptr, RDW_INVALIDATE | RDW_NOCHILDREN); }
+
 void AnswerText(LVITEMW& item, const std::wstring& text) {
   if (item.cchTextMax <= 0) return;
   const std::size_t size = std::min(text.size(), static_cast<std::size_t>(item.cchTextMax) - 1);

@@ -22,6 +22,9 @@ void SelectRow(HWND list, int row);
 /// Data of the selected rows, from the top.
 std::vector<LPARAM> SelectedData(HWND list);
 
+/// Draws the rows of a virtual list anew, soon. Not the headings, which would take as long again.
+void RedrawRows(HWND list);
+
 /// Answers a virtual list that asks for a text.
 void AnswerText(LVITEMW& item, const std::wstring& text);
 

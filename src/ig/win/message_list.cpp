@@ -153,7 +153,7 @@ void MessageList::Refresh() {
   ShowImages(mBlock.Results().HasAny(mList));
   mTip.Hide();
   ListView_SetItemCountEx(mControl, static_cast<int>(Items().size()), LVSICF_NOSCROLL);
-  InvalidateRect(mControl, nullptr, FALSE);
+  NCommon::RedrawRows(mControl);
 }
 
 void MessageList::RedrawRow(std::size_t row) {
@@ -277,7 +277,7 @@ void MessageList::Select(const Rows& rows) {
   SendMessageW(mControl, WM_SETREDRAW, FALSE, 0);
   ChangeSelection(rows);
   SendMessageW(mControl, WM_SETREDRAW, TRUE, 0);
-  InvalidateRect(mControl, nullptr, FALSE);
+  NCommon::RedrawRows(mControl);
   if (rows.empty()) return;
   const int first = static_cast<int>(rows.front());
   ListView_SetItemState(mControl, first, LVIS_FOCUSED, LVIS_FOCUSED);

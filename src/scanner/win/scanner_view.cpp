@@ -99,7 +99,7 @@ void ZCANopenScannerView::ReadNumberBase() { mNumberBase = NCommon::HostNumberBa
 HRESULT ZCANopenScannerView::OnSettingsChanged() {
   return NCom::Entry([&] {
     ReadNumberBase();
-    if (Window()) InvalidateRect(Control(IDC_SCAN_NODES), nullptr, FALSE);
+    if (Window()) NCommon::RedrawRows(Control(IDC_SCAN_NODES));
   });
 }
 
@@ -119,7 +119,7 @@ HRESULT ZCANopenScannerView::Update(NSdk::IModel*, std::uint32_t hint, IUnknown*
   return NCom::Entry([&]() -> HRESULT {
     if (!Window()) return E_FAIL;
     if (hint < kFirstHintThatKeepsRows) FetchNodes();
-    InvalidateRect(Control(IDC_SCAN_NODES), nullptr, FALSE);
+    NCommon::RedrawRows(Control(IDC_SCAN_NODES));
     return S_OK;
   });
 }
