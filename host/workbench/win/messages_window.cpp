@@ -2,6 +2,8 @@
 
 #include <commctrl.h>
 
+#include <algorithm>
+
 #include "host/workbench/texts.h"
 
 namespace NWorkbench {
@@ -10,11 +12,10 @@ namespace {
 constexpr int kMostMessages = 1000;
 constexpr int kTimeColumn = 0, kTextColumn = 1;
 
-void SetTitle(HWND list, int column, const wchar_t* text, int width) {
+void SetTitle(HWND list, int column, const wchar_t* text) {
   LVCOLUMNW data = {};
-  data.mask = LVCF_TEXT | LVCF_WIDTH;
+  data.mask = LVCF_TEXT;
   data.pszText = const_cast<wchar_t*>(text);
-  data.cx = width;
   if (!ListView_SetColumn(list, column, &data)) ListView_InsertColumn(list, column, &data);
 }
 
@@ -39,8 +40,18 @@ MessagesWindow::MessagesWindow(HWND client, RECT place) {
 
 void MessagesWindow::Refresh() {
   SetWindowTextW(Handle(), Text(TextId::MessagesTitle));
-  SetTitle(mList, kTimeColumn, Text(TextId::MessagesTime), Scaled(70));
-  SetTitle(mList, kTextColumn, Text(TextId::MessagesText), Scaled(900));
+  SetTitle(mList, kTimeColumn, Text(TextId::MessagesTime));
+  SetTitle(mList, kTextColumn, Text(TextId::MessagesText));
+  FitColumns();
+}
+
+// The texts get what is left, or more if they need it.
+void MessagesWindow::FitColumns() const {
+  RECT area = {};
+  GetClientRect(mList, &area);
+  const int time = Scaled(70);
+  ListView_SetColumnWidth(mList, kTimeColumn, time);
+  ListView_SetColumnWidth(mList, kTextColumn, std::max(static_cast<int>(area.right) - time, mWidestText));
 }
 
 void MessagesWindow::Add(const std::wstring& text) {
@@ -52,6 +63,8 @@ void MessagesWindow::Add(const std::wstring& text) {
   item.pszText = const_cast<wchar_t*>(time.c_str());
   const int row = ListView_InsertItem(mList, &item);
   ListView_SetItemText(mList, row, kTextColumn, const_cast<wchar_t*>(text.c_str()));
+  mWidestText = std::max(mWidestText, ListView_GetStringWidth(mList, text.c_str()) + Scaled(16));
+  FitColumns();
   ListView_EnsureVisible(mList, row, FALSE);
 }
 
@@ -60,6 +73,7 @@ LRESULT MessagesWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     RECT area = {};
     GetClientRect(Handle(), &area);
     MoveWindow(mList, 0, 0, area.right, area.bottom, TRUE);
+    FitColumns();
   }
   if (message == WM_SETFOCUS) return SetFocus(mList), 0;
   if (message == WM_CLOSE) return PutAway(), 0;

@@ -14,8 +14,10 @@ class MessagesWindow final : public ChildWindow {
 
  private:
   LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+  void FitColumns() const;
 
   HWND mList = nullptr;
+  int mWidestText = 0;
 };
 
 }  // namespace NWorkbench
