@@ -103,7 +103,7 @@ void Checker::CheckBus(const std::string& place, const std::string& bus) {
 
 void Checker::CheckDatabase(const std::string& place, const std::filesystem::path& database) {
   ComPtr<NSdk::ICanDatabase> opened;
-  if (mDatabases->OpenFile(NRuntime::ToWide(NRuntime::PathText(database)).c_str(), opened.Out()) != S_OK) {
+  if (mDatabases->OpenFile(NRuntime::WidePathText(database).c_str(), opened.Out()) != S_OK) {
     ReceivedText reason;
     mDatabases->GetFailure(reason.Out());
     Fault(place, Utf8(reason));

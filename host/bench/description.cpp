@@ -103,7 +103,7 @@ std::string Information(ZCODescrLdr& loader, const wchar_t* key) {
 DeviceDescription LoadDescription(const std::filesystem::path& file, std::optional<std::uint32_t> nodeId) {
   const auto loader = NRuntime::MakeDescriptionLoader(ProgramFolder());
   Check(loader->SetNodeId(nodeId.value_or(0)));
-  const std::uint32_t result = loader->Load(NRuntime::ToWide(NRuntime::PathText(file)).c_str());
+  const std::uint32_t result = loader->Load(NRuntime::WidePathText(file).c_str());
   if (result != kLoaded && result <= kLastError) {
     const auto count = Get(*loader, &ZCODescrLdr::GetFindingCount);
     throw std::runtime_error(count != 0 ? ReadFinding(*loader, 0).text

@@ -134,7 +134,7 @@ std::string WhyNotLoaded(NSdk::IGenerator& generator, const NRuntime::Settings& 
   }
   NRuntime::ReceivedText reason;
   if (file.empty()) return {};
-  generator.LoadSequence(NRuntime::ToWide(NRuntime::PathText(file)).c_str(), reason.Out());
+  generator.LoadSequence(NRuntime::WidePathText(file).c_str(), reason.Out());
   return OneLine(NRuntime::ToUtf8(reason.Text()));
 }
 
@@ -157,7 +157,7 @@ GeneratorBlock::~GeneratorBlock() {
 
 void GeneratorBlock::LoadSequence(const std::filesystem::path& path) {
   CheckIsFile(path);
-  const std::wstring absolute = NRuntime::ToWide(NRuntime::PathText(std::filesystem::absolute(path)));
+  const std::wstring absolute = NRuntime::WidePathText(std::filesystem::absolute(path));
   NRuntime::ReceivedText reason;
   if (SUCCEEDED(mGenerator->LoadSequence(absolute.c_str(), reason.Out()))) return;
   const std::string text = OneLine(NRuntime::ToUtf8(reason.Text()));

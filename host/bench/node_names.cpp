@@ -12,8 +12,7 @@ namespace {
 NRuntime::ComPtr<NSdk::ICanDatabase> Open(NSdk::IDatabaseManager& manager,
                                           const std::filesystem::path& database) {
   NRuntime::ComPtr<NSdk::ICanDatabase> opened;
-  if (manager.OpenFile(NRuntime::ToWide(NRuntime::PathText(database)).c_str(), opened.Out()) == S_OK)
-    return opened;
+  if (manager.OpenFile(NRuntime::WidePathText(database).c_str(), opened.Out()) == S_OK) return opened;
   NRuntime::ReceivedText reason;
   manager.GetFailure(reason.Out());
   throw std::runtime_error(NRuntime::ToUtf8(reason.Text()));

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "host/runtime/can_message.h"
+
 namespace NBuses {
 namespace {
 
@@ -14,8 +16,6 @@ constexpr std::uint64_t kLatestSecond =
 constexpr std::size_t kFractionDigits = 9;
 constexpr std::size_t kLongestInterface = 15;
 constexpr std::uint32_t kErrorFrameFlag = 0x20000000;
-constexpr std::uint32_t kLargestStandard = 0x7FF;
-constexpr std::uint32_t kLargestExtended = 0x1FFFFFFF;
 
 int Digit(char digit) {
   if (digit >= '0' && digit <= '9') return digit - '0';
@@ -67,8 +67,8 @@ const char* ReadIdentifier(std::string_view text, std::uint32_t& identifier, boo
     if (Digit(digit) < 0) return "an identifier has 3 or 8 hexadecimal digits";
     identifier = identifier << 4 | static_cast<std::uint32_t>(Digit(digit));
   }
-  const bool isError = extended && (identifier & ~kLargestExtended) == kErrorFrameFlag;
-  const bool fits = identifier <= (extended ? kLargestExtended : kLargestStandard);
+  const bool isError = extended && (identifier & ~NRuntime::kLargestExtended) == kErrorFrameFlag;
+  const bool fits = identifier <= (extended ? NRuntime::kLargestExtended : NRuntime::kLargestStandard);
   return fits || isError ? nullptr : "the identifier is too large";
 }
 
@@ -122,7 +122,7 @@ Content ReadFrame(std::string_view word) {
   bool extended = false;
   const char* fault = ReadIdentifier(word.substr(0, hash), content.frame.identifier, extended);
   if (fault) return Fault(fault);
-  if (content.frame.identifier > kLargestExtended) return Other(Kind::ErrorFrame);
+  if (content.frame.identifier > NRuntime::kLargestExtended) return Other(Kind::ErrorFrame);
   if (extended) content.frame.flags = NSdk::kFrameExtended;
   std::string_view rest = word.substr(hash + 1);
   if (!rest.empty() && rest[0] == '#') return Other(Kind::FdFrame);

@@ -6,14 +6,13 @@
 #include <cstdio>
 
 #include "host/buses/candump.h"
+#include "host/runtime/can_message.h"
 
 namespace NBuses {
 namespace {
 
 constexpr std::size_t kLongestMessage = 256;  // `< send` with 8 bytes takes less than 50
 constexpr std::string_view kBlanks = " \t\r\n";
-constexpr std::uint32_t kLargestStandard = 0x7FF;
-constexpr std::uint32_t kLargestExtended = 0x1FFFFFFF;
 constexpr std::size_t kStandardDigits = 3;
 
 std::vector<std::string_view> Words(std::string_view text) {
@@ -39,7 +38,8 @@ bool ReadNumber(std::string_view text, int base, Number largest, Number& number)
 bool ReadIdentifier(std::string_view text, NSdk::CanFrame& frame) {
   const bool extended = text.size() > kStandardDigits;
   if (extended) frame.flags = NSdk::kFrameExtended;
-  return ReadNumber(text, 16, extended ? kLargestExtended : kLargestStandard, frame.identifier);
+  return ReadNumber(text, 16, extended ? NRuntime::kLargestExtended : NRuntime::kLargestStandard,
+                    frame.identifier);
 }
 
 }  // namespace

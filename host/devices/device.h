@@ -42,7 +42,6 @@ class Device final : private ObjectAccess {
 
   /// Initialising: not powered.
   NmtState State() const { return mState; }
-  std::uint8_t NodeId() const { return mOptions.nodeId; }
   const ObjectDictionary& Objects() const { return mObjects; }
   Misbehaviour& Faults() { return mOptions.misbehaviour; }
 

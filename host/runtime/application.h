@@ -43,7 +43,6 @@ class Application final : public Implements<NSdk::IHostApplication> {
 
   CommandRegistry& Commands() const { return *mCommands; }
   BlockTypeRegistry& BlockTypes() const { return *mBlockTypes; }
-  const EventSource<NSdk::IApplicationEvents>& ApplicationEvents() const { return *mApplicationEvents; }
   const EventSource<NSdk::ISettingEvents>& SettingEvents() const { return *mSettingEvents; }
 
   HRESULT STDMETHODCALLTYPE GetLanguage(std::uint32_t* language) override;

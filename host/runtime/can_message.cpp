@@ -1,12 +1,6 @@
 #include "host/runtime/can_message.h"
 
 namespace NRuntime {
-namespace {
-
-constexpr std::uint32_t kLargestStandard = 0x7FF;
-constexpr std::uint32_t kLargestExtended = 0x1FFFFFFF;
-
-}  // namespace
 
 HRESULT CanMessage::GetIdentifier(std::uint32_t* identifier) {
   return HandOut(mSeen.frame.identifier, identifier);

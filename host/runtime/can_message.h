@@ -39,6 +39,9 @@ class CanMessage final : public Implements<NSdk::ICANMessage> {
 /// Reads a message object of any origin. False: one of its queries failed, or its data length exceeds 8.
 bool ReadMessage(NSdk::ICANMessage& message, NSdk::CanFrame& frame);
 
+inline constexpr std::uint32_t kLargestStandard = 0x7FF;  ///< identifier of 11 bits
+inline constexpr std::uint32_t kLargestExtended = 0x1FFFFFFF;
+
 /// Identifier and data length code lie in their ranges.
 bool IsValidFrame(const NSdk::CanFrame& frame);
 

@@ -11,7 +11,7 @@ HRESULT Configuration::GetItemCount(std::uint32_t kind, std::uint32_t* count) {
 
 HRESULT Configuration::GetPath(wchar_t** path) {
   if (!path) return E_POINTER;
-  return mData.path.empty() ? S_FALSE : HandOutText(ToWide(PathText(mData.path)), path);
+  return mData.path.empty() ? S_FALSE : HandOutText(WidePathText(mData.path), path);
 }
 
 HRESULT Configuration::GetCanChannel(std::uint32_t index, std::uint32_t* channel) {
@@ -24,7 +24,7 @@ HRESULT Configuration::GetDatabase(std::uint32_t index, wchar_t** path, std::uin
   if (!path || !channel) return E_POINTER;
   if (index == 0 || index > mData.databases.size()) return S_FALSE;
   const ConfigurationData::Database& database = mData.databases[index - 1];
-  const HRESULT result = HandOutText(ToWide(PathText(database.file)), path);
+  const HRESULT result = HandOutText(WidePathText(database.file), path);
   if (SUCCEEDED(result)) *channel = database.channel;
   return result;
 }

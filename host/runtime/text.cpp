@@ -97,4 +97,9 @@ std::string PathText(const std::filesystem::path& path) {
   return path.string();
 }
 
+std::wstring WidePathText(const std::filesystem::path& path) {
+  if constexpr (kPathsAreWide) return path.wstring();
+  return ToWide(path.string());
+}
+
 }  // namespace NRuntime

@@ -15,5 +15,7 @@ std::string ToUtf8(std::wstring_view wide);
 /// unchanged.
 std::filesystem::path ToPath(std::string_view utf8);
 std::string PathText(const std::filesystem::path& path);
+/// As COM methods and windows take it.
+std::wstring WidePathText(const std::filesystem::path& path);
 
 }  // namespace NRuntime

@@ -4,13 +4,6 @@
 #include "sdk/unsaved_work.h"
 
 namespace NWorkbench {
-namespace {
-
-std::wstring WideText(const std::filesystem::path& file) {
-  return NRuntime::ToWide(NRuntime::PathText(file));
-}
-
-}  // namespace
 
 // By position, with the states of their work.
 WorkKeeper::States WorkKeeper::UnsavedBlocks() const {
@@ -31,7 +24,7 @@ void WorkKeeper::Update(const NConfiguration::Document& windows, std::int64_t ti
   if (mIsKept && work == mKept && blocks == mKeptBlocks) return;
   mFolder.Keep(work, time, [&](std::size_t position, const std::filesystem::path& file) {
     const auto copied = NRuntime::Query<NSdk::IWorkCopy>(mWorkbench.Blocks()[position].object);
-    return copied && copied->WriteCopy(WideText(file).c_str()) == S_OK;
+    return copied && copied->WriteCopy(NRuntime::WidePathText(file).c_str()) == S_OK;
   });
   mIsKept = true;
   mKept = std::move(work);
@@ -50,7 +43,7 @@ std::vector<std::wstring> WorkKeeper::TakeUp(Workbench& workbench, const Unsaved
     if (position >= workbench.Blocks().size()) continue;
     const PlacedBlock& block = workbench.Blocks()[position];
     const auto copied = NRuntime::Query<NSdk::IWorkCopy>(block.object);
-    if (!copied || copied->TakeCopy(WideText(file).c_str()) != S_OK)
+    if (!copied || copied->TakeCopy(NRuntime::WidePathText(file).c_str()) != S_OK)
       refused.push_back(workbench.NameOf(block));
   }
   return refused;

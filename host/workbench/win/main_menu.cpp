@@ -54,7 +54,7 @@ HMENU MakeRecentMenu(const RecentFiles& recent) {
   const HMENU menu = CreatePopupMenu();
   int position = 0;
   for (const auto& file : recent.Files()) {
-    std::wstring name = NRuntime::ToWide(NRuntime::PathText(file));
+    std::wstring name = NRuntime::WidePathText(file);
     for (std::size_t place = 0; (place = name.find(L'&', place)) != std::wstring::npos; place += 2) {
       name.insert(place, 1, L'&');
     }

@@ -160,7 +160,11 @@ void WindowLoop::Core::WaitForEvents() {
 // The scheduler's tick is longer than the pause unless it is asked for.
 void WindowLoop::Core::SetFlooded(bool isFlooded) {
   if (mIsFlooded.exchange(isFlooded) == isFlooded) return;
-  isFlooded ? timeBeginPeriod(1) : timeEndPeriod(1);
+  if (isFlooded) {
+    timeBeginPeriod(1);
+  } else {
+    timeEndPeriod(1);
+  }
 }
 
 LRESULT CALLBACK WindowLoop::Core::Receive(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
