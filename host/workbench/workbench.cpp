@@ -14,7 +14,7 @@ namespace NWorkbench {
 namespace {
 
 constexpr wchar_t kChannelKey[] = L"CANChannel";  // of a block that belongs to a channel
-// Frames per second: more than any SDO transfer brings, each answer of which is waited for.
+// Frames per second: more than a segmented SDO transfer brings, each frame of which waits for an answer.
 constexpr double kFlood = 3000;
 
 NRuntime::Settings ReadSettings(IUnknown& block) {

@@ -147,7 +147,7 @@ void TraceWindow::ShowRows(int count, bool toTheLast, bool withBar) const {
   ListView_SetItemCountEx(mList, count, LVSICF_NOSCROLL);
   if (toTheLast) ListView_EnsureVisible(mList, count - 1, FALSE);
   DefWindowProcW(mList, WM_SETREDRAW, TRUE, 0);
-  if (!withBar) RedrawWindow(mList, nullptr, nullptr, RDW_VALIDATE | RDW_NOFRAME);  // it was hidden as well
+  if (!withBar) RedrawWindow(mList, nullptr, nullptr, RDW_VALIDATE | RDW_NOFRAME);  // hiding has marked it
   RedrawWindow(mList, nullptr, nullptr,
                RDW_INVALIDATE | RDW_ERASE | (withBar ? RDW_FRAME : 0) | RDW_NOCHILDREN | RDW_UPDATENOW);
 }
