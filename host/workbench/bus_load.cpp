@@ -11,12 +11,8 @@ void BusLoad::Add(const NRuntime::SeenFrame& seen) {
 
 void BusLoad::EndSpan(NRuntime::Time now) {
   const auto span = std::chrono::duration<double>(now - mSpanStart).count();
-  if (span > 0) {
-    mReceivedRate = static_cast<double>(mReceived - mReceivedBefore) / span;
-    if (mBitRate) mLoad = 100.0 * static_cast<double>(mBits) / (*mBitRate * span);
-  }
+  if (mBitRate && span > 0) mLoad = 100.0 * static_cast<double>(mBits) / (*mBitRate * span);
   mBits = 0;
-  mReceivedBefore = mReceived;
   mSpanStart = now;
 }
 

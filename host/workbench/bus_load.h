@@ -19,8 +19,6 @@ class BusLoad {
 
   std::uint64_t Received() const { return mReceived; }
   std::uint64_t Transmitted() const { return mTransmitted; }
-  /// Frames per second that others sent, in the span that ended last.
-  double ReceivedRate() const { return mReceivedRate; }
   /// In percent of the bit rate, from 0. Empty: the bit rate is not known.
   std::optional<double> Load() const { return mLoad; }
 
@@ -28,8 +26,6 @@ class BusLoad {
   std::optional<std::uint32_t> mBitRate;
   std::uint64_t mReceived = 0, mTransmitted = 0;
   std::uint64_t mBits = 0;  // since the span began
-  std::uint64_t mReceivedBefore = 0;
-  double mReceivedRate = 0;
   NRuntime::Time mSpanStart{};
   std::optional<double> mLoad;
 };

@@ -14,8 +14,6 @@ namespace NWorkbench {
 namespace {
 
 constexpr wchar_t kChannelKey[] = L"CANChannel";  // of a block that belongs to a channel
-// Frames per second: more than a segmented SDO transfer brings, each frame of which waits for an answer.
-constexpr double kFlood = 3000;
 
 NRuntime::Settings ReadSettings(IUnknown& block) {
   const auto persistent = NRuntime::Query<NSdk::IPersistentObject>(&block);
@@ -341,6 +339,7 @@ void Workbench::Start() {
   const NConfiguration::Document document = ForUse();
   mTrace.Clear();
   mLoads.clear();
+  mFloodWatch = {};
   for (const auto& channel : document.channels) mLoads.emplace(channel.number, BusLoad(BitRateOf(channel)));
   NRuntime::MeasurementObserver& observer = *this;
   try {
@@ -390,18 +389,16 @@ void Workbench::Tidy(const std::function<bool(NRuntime::IoLoop&)>& isInTask) {
 }
 
 void Workbench::EndLoadSpan() {
-  double received = 0;
-  for (auto& [number, load] : mLoads) {
-    load.EndSpan(Elapsed());
-    received += load.ReceivedRate();
-  }
-  if (mSession) mSession->Loop().SetFlooded(received >= kFlood);
+  for (auto& [number, load] : mLoads) load.EndSpan(Elapsed());
+  if (mSession && mFloodWatch.HasEnded(Elapsed())) mSession->Loop().SetFlooded(false);
 }
 
 void Workbench::OnFrame(const NRuntime::SeenFrame& seen) {
   mTrace.Add(seen);
   const auto load = mLoads.find(seen.channel);
   if (load != mLoads.end()) load->second.Add(seen);
+  const bool isReceived = seen.direction == NSdk::kCanReceived;
+  if (mSession && isReceived && mFloodWatch.Add(seen.time)) mSession->Loop().SetFlooded(true);
 }
 
 void Workbench::OnTrouble(std::uint32_t channel, const std::string& text) {

@@ -12,6 +12,7 @@
 #include "host/runtime/module.h"
 #include "host/runtime/setup.h"
 #include "host/workbench/bus_load.h"
+#include "host/workbench/flood_watch.h"
 #include "host/workbench/session.h"
 #include "host/workbench/trace_store.h"
 
@@ -172,6 +173,7 @@ class Workbench final : private NRuntime::MeasurementObserver {
   std::vector<std::unique_ptr<Session>> mEnded;
   TraceStore mTrace;
   std::map<std::uint32_t, BusLoad> mLoads;
+  FloodWatch mFloodWatch;
 };
 
 /// Settings of a block as it has them now; those that are given when it does not answer.

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <utility>
 
 #include "host/workbench/service.h"
 #include "host/workbench/texts.h"
@@ -14,7 +15,7 @@ namespace {
 
 enum ControlId : int { kPause = 1, kClear, kFilterLabel, kFilter, kList };
 
-constexpr UINT_PTR kRefreshTimer = 1;
+constexpr UINT_PTR kRefreshTimer = 1, kSubclass = 1;
 constexpr UINT kRefreshPeriod_ms = 50;
 // Drawing takes no more than this part of the time, however slow the screen is.
 constexpr int kShareOfDrawing = 10;
@@ -84,6 +85,7 @@ void TraceWindow::MakeControls() {
   mFilter = MakeControl(Handle(), WC_EDITW, L"", WS_TABSTOP | WS_BORDER | ES_AUTOHSCROLL, kFilter);
   mList = MakeControl(Handle(), WC_LISTVIEWW, L"",
                       WS_TABSTOP | LVS_REPORT | LVS_OWNERDATA | LVS_SHOWSELALWAYS | LVS_NOSORTHEADER, kList);
+  SetWindowSubclass(mList, MeasurePainting, kSubclass, reinterpret_cast<DWORD_PTR>(this));
   ListView_SetExtendedListViewStyle(mList, LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER);
   for (int position = 0; position < kTraceColumns; ++position) {
     LVCOLUMNW column = {};
@@ -139,9 +141,18 @@ void TraceWindow::Arrange() {
   MoveWindow(mList, 0, bar, area.right, std::max(0, static_cast<int>(area.bottom) - bar), TRUE);
 }
 
+LRESULT CALLBACK TraceWindow::MeasurePainting(HWND list, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
+                                              DWORD_PTR window) {
+  const auto begin = std::chrono::steady_clock::now();
+  const LRESULT result = DefSubclassProc(list, message, wParam, lParam);
+  if (message == WM_PAINT)
+    reinterpret_cast<TraceWindow*>(window)->mPainting += std::chrono::steady_clock::now() - begin;
+  return result;
+}
+
 // A list draws itself for its count, once more for its place, and then for its rows. While it counts as
 // hidden it draws nothing. That is asked of every window's procedure and not of the list's own, which would
-// no longer follow the count with its scroll bar.
+// no longer follow the count with its scroll bar. It is painted behind what the user has pressed meanwhile.
 void TraceWindow::ShowRows(int count, bool toTheLast, bool withBar) const {
   DefWindowProcW(mList, WM_SETREDRAW, FALSE, 0);
   ListView_SetItemCountEx(mList, count, LVSICF_NOSCROLL);
@@ -149,7 +160,7 @@ void TraceWindow::ShowRows(int count, bool toTheLast, bool withBar) const {
   DefWindowProcW(mList, WM_SETREDRAW, TRUE, 0);
   if (!withBar) RedrawWindow(mList, nullptr, nullptr, RDW_VALIDATE | RDW_NOFRAME);  // hiding has marked it
   RedrawWindow(mList, nullptr, nullptr,
-               RDW_INVALIDATE | RDW_ERASE | (withBar ? RDW_FRAME : 0) | RDW_NOCHILDREN | RDW_UPDATENOW);
+               RDW_INVALIDATE | RDW_ERASE | (withBar ? RDW_FRAME : 0) | RDW_NOCHILDREN);
 }
 
 // The last row is followed as long as the user has it in view.
@@ -169,8 +180,9 @@ void TraceWindow::ShowNew() {
   mBarIsOld = isFlood && begin < mBarDrawn + kFloodPeriodOfBar;
   if (!mBarIsOld) mBarDrawn = begin;
   ShowRows(static_cast<int>(count), follows && count != 0 && !mView.IsPaused(), !mBarIsOld);
-  using std::chrono::milliseconds;
-  const auto cost = std::chrono::duration_cast<milliseconds>(std::chrono::steady_clock::now() - begin);
+  // The painting is that of the last time, which has come since.
+  const auto cost = std::chrono::duration_cast<std::chrono::milliseconds>(
+      std::chrono::steady_clock::now() - begin + std::exchange(mPainting, {}));
   const auto period = std::clamp(static_cast<UINT>(kShareOfDrawing * cost.count()), least, kLongestPeriod_ms);
   SetTimer(Handle(), kRefreshTimer, period, nullptr);
 }

@@ -22,6 +22,8 @@ class TraceWindow final : public ChildWindow {
   void Restart();
 
  private:
+  static LRESULT CALLBACK MeasurePainting(HWND list, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
+                                          DWORD_PTR window);
   LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
   LRESULT OnNotify(NMHDR& header);
   LRESULT OnDraw(NMLVCUSTOMDRAW& draw) const;
@@ -40,7 +42,8 @@ class TraceWindow final : public ChildWindow {
   std::size_t mShownCount = 0;
   std::chrono::steady_clock::time_point mBarDrawn;
   bool mBarIsOld = false;
-  mutable std::wstring mText;  // of the cell that was asked for last
+  std::chrono::steady_clock::duration mPainting{};  // since the last refresh
+  mutable std::wstring mText;                       // of the cell that was asked for last
 };
 
 }  // namespace NWorkbench

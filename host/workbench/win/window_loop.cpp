@@ -1,6 +1,7 @@
 // asio's header comes first: it brings the socket headers, which must precede those of Windows.
 #include <asio/executor_work_guard.hpp>
 #include <asio/io_context.hpp>
+#include <asio/post.hpp>
 
 #include "host/workbench/win/window_loop.h"
 
@@ -23,7 +24,8 @@ constexpr UINT kRunTasks = WM_APP;
 constexpr UINT_PTR kLaterTimer = 1;
 // What is posted goes before input and painting: after this long they get their turn.
 constexpr std::chrono::milliseconds kLongestTurn{8};
-// Many short turns may be as bad as a long one.
+// Input then gets a moment in which nothing is posted; painting takes longer and waits for several turns.
+constexpr std::chrono::milliseconds kMoment{2};
 constexpr std::chrono::milliseconds kLongestWait{20};
 // To wake the window takes longer than to handle a frame.
 constexpr std::chrono::milliseconds kFloodPause{4};
@@ -44,8 +46,6 @@ class PendingFunction final : public Pending {
  private:
   Function mFunction;
 };
-
-bool IsUserWaiting() { return HIWORD(GetQueueStatus(QS_INPUT | QS_PAINT)) != 0; }
 
 }  // namespace
 
@@ -70,7 +70,7 @@ class WindowLoop::Core {
     if (first) Wake();
   }
 
-  void SetFlooded(bool isFlooded);
+  void SetFlooded(bool isFlooded) { mIsFlooded = isFlooded; }
 
   void Wake() {
     if (!mWoken.exchange(true)) PostMessageW(mWindow, kRunTasks, 0, 0);
@@ -85,8 +85,11 @@ class WindowLoop::Core {
   std::unique_ptr<Pending> Take();
   bool RunOne();
   bool RunOneGuarded();
-  bool IsUserKeptWaiting();
+  bool HasPending();
   void RunTurn();
+  bool GiveWay(bool more);
+  void GiveMoment(bool more);
+  void WaitForTimer();
 
   WindowLoop& mOwner;
   std::function<void(const std::string&)> mOnFault;
@@ -139,13 +142,14 @@ WindowLoop::Core::Core(WindowLoop& owner, std::function<void(const std::string&)
     : mOwner(owner), mOnFault(std::move(onFault)), mWindow(MakeReceiver()) {
   if (!mWindow) throw std::runtime_error("the window that receives the events of buses cannot be made");
   SetWindowLongPtrW(mWindow, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+  timeBeginPeriod(1);  // the scheduler's tick is longer than the pauses unless it is asked for
   mThread = std::thread([this] { WaitForEvents(); });
 }
 
 WindowLoop::Core::~Core() {
   mContext.stop();
   mThread.join();
-  SetFlooded(false);
+  timeEndPeriod(1);
   SetWindowLongPtrW(mWindow, GWLP_USERDATA, 0);
   DestroyWindow(mWindow);
 }
@@ -157,16 +161,6 @@ void WindowLoop::Core::WaitForEvents() {
   }
 }
 
-// The scheduler's tick is longer than the pause unless it is asked for.
-void WindowLoop::Core::SetFlooded(bool isFlooded) {
-  if (mIsFlooded.exchange(isFlooded) == isFlooded) return;
-  if (isFlooded) {
-    timeBeginPeriod(1);
-  } else {
-    timeEndPeriod(1);
-  }
-}
-
 LRESULT CALLBACK WindowLoop::Core::Receive(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   auto* const core = reinterpret_cast<Core*>(GetWindowLongPtrW(window, GWLP_USERDATA));
   const bool isLater = message == WM_TIMER && wParam == kLaterTimer;
@@ -174,6 +168,11 @@ LRESULT CALLBACK WindowLoop::Core::Receive(HWND window, UINT message, WPARAM wPa
   if (isLater) KillTimer(window, kLaterTimer);
   core->RunTurn();
   return 0;
+}
+
+bool WindowLoop::Core::HasPending() {
+  const std::lock_guard lock(mMutex);
+  return !mPending.empty();
 }
 
 std::unique_ptr<Pending> WindowLoop::Core::Take() {
@@ -202,17 +201,6 @@ bool WindowLoop::Core::RunOneGuarded() {
   }
 }
 
-bool WindowLoop::Core::IsUserKeptWaiting() {
-  if (!IsUserWaiting()) {
-    mWaitingSince.reset();
-    return false;
-  }
-  const auto now = std::chrono::steady_clock::now();
-  if (!mWaitingSince) mWaitingSince = now;
-  return now - *mWaitingSince >= kLongestWait;
-}
-
-// While the user waits, the rest comes with a timer, which lets input and painting go before it.
 void WindowLoop::Core::RunTurn() {
   mWoken = false;
   ++depth;
@@ -220,12 +208,44 @@ void WindowLoop::Core::RunTurn() {
   bool more = true;
   while (more && std::chrono::steady_clock::now() < end) more = RunOneGuarded();
   --depth;
-  if (IsUserKeptWaiting()) {
-    mWoken = true;
-    SetTimer(mWindow, kLaterTimer, USER_TIMER_MINIMUM, nullptr);
-  } else if (more) {
-    Wake();
+  if (!GiveWay(more) && more) Wake();
+}
+
+// True: the user waits, and what is left comes later.
+bool WindowLoop::Core::GiveWay(bool more) {
+  const UINT waiting = HIWORD(GetQueueStatus(QS_INPUT | QS_PAINT));
+  if (waiting == 0) {
+    mWaitingSince.reset();
+    return false;
   }
+  const auto now = std::chrono::steady_clock::now();
+  if (!mWaitingSince) mWaitingSince = now;
+  const bool isLong = now - *mWaitingSince >= kLongestWait;
+  if (!isLong && (waiting & QS_INPUT) == 0) return false;
+  mWoken = true;
+  MSG posted;
+  while (PeekMessageW(&posted, mWindow, kRunTasks, kRunTasks, PM_REMOVE)) continue;
+  if (isLong) {
+    WaitForTimer();
+  } else {
+    GiveMoment(more);
+  }
+  return true;
+}
+
+// A timer of the window lets all input and all painting go before it, but comes after 10 ms at the earliest.
+void WindowLoop::Core::WaitForTimer() {
+  mWaitingSince.reset();
+  SetTimer(mWindow, kLaterTimer, USER_TIMER_MINIMUM, nullptr);
+}
+
+// The thread that waits for events waits for this as well.
+void WindowLoop::Core::GiveMoment(bool more) {
+  asio::post(mContext, [this, more] {
+    std::this_thread::sleep_for(kMoment);
+    mWoken = false;
+    if (more || HasPending()) Wake();
+  });
 }
 
 WindowLoop::WindowLoop(std::function<void(const std::string&)> onFault)
