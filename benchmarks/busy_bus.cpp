@@ -1,9 +1,13 @@
 // A busy bus for one client.
 //   busy_bus SECONDS FRAMES-A-SECOND
-// prints where it is served, sends a second after a client has opened it, and ends when that client leaves.
+// prints where it is served, sends a second after a client has opened it, and ends when that client leaves;
+// then it prints how evenly the client's own frames came, if there were any.
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <future>
+#include <numeric>
+#include <vector>
 
 #include "benchmarks/frame_source.h"
 
@@ -24,13 +28,28 @@ NSdk::CanFrame FrameOf(std::uint64_t number) {
   return frame;
 }
 
+void PrintIntervals(std::vector<NRuntime::Time> times) {
+  if (times.size() < 2) return;
+  const auto count = times.size();
+  const auto ms = [](NRuntime::Time time) { return std::chrono::duration<double, std::milli>(time).count(); };
+  const double mean = ms(times.back() - times.front()) / static_cast<double>(count - 1);
+  std::adjacent_difference(times.begin(), times.end(), times.begin());
+  std::sort(times.begin() + 1, times.end());
+  std::printf(
+      "client     sent %zu frames, on average %.3f ms apart: half of them up to %.1f ms, 99 %% %.1f ms, all "
+      "%.1f ms\n",
+      count, mean, ms(times[count / 2]), ms(times[count * 99 / 100]), ms(times.back()));
+}
+
 int Run(double seconds, double rate) {
   std::promise<void> opened, left;
   const auto onNote = [&, notes = 0](const std::string&) mutable {
     if (++notes == 1) opened.set_value();
     if (notes == 2) left.set_value();
   };
-  NBenchmarks::ServedBus bus([](const NSdk::CanFrame&, NRuntime::Time) {}, onNote);
+  std::vector<NRuntime::Time> times;  // of the client's frames
+  NBenchmarks::ServedBus bus([&](const NSdk::CanFrame&, NRuntime::Time now) { times.push_back(now); },
+                             onNote);
   NBenchmarks::FrameSource source(bus, static_cast<std::uint64_t>(seconds * rate), rate, FrameOf);
   std::printf("%s\n", bus.Word().c_str());
   std::fflush(stdout);
@@ -43,6 +62,7 @@ int Run(double seconds, double rate) {
     stopped.set_value();
   });
   stopped.get_future().wait();
+  PrintIntervals(times);
   return EXIT_SUCCESS;
 }
 

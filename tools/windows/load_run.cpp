@@ -1,17 +1,19 @@
-// load_run BUS SECONDS FRAMES_PER_SECOND: how the program does on a busy bus, with trace and scanner open.
-// The frames come from benchmarks/busy_bus; keys are pressed all the while, and the time is taken until the
-// program has handled them. Prints the figures; status 1: frames were lost, or a tenth of a second was not
-// kept.
+// load_run BUS SECONDS FRAMES_PER_SECOND [sending]: how the program does on a busy bus, with trace and
+// scanner open, and a generator that sends SYNC every 10 ms if that is wanted. The frames come from
+// benchmarks/busy_bus; keys are pressed all the while, and the time is taken until the program has handled
+// them. Prints the figures; status 1: frames were lost, or a tenth of a second was not kept.
 #include <windows.h>
 
 #include <psapi.h>
 
 #include <algorithm>
 #include <cstdio>
+#include <fstream>
 #include <future>
 #include <map>
 
 #include "host/workbench/win/command_ids.h"
+#include "resources/resource_ids.h"
 #include "tests/workbench/win/program.h"
 
 namespace {
@@ -24,6 +26,7 @@ constexpr WORD kKey = VK_F24;  // means nothing to anybody
 constexpr auto kBetweenKeys = 25ms;
 constexpr double kLongestAnswer_ms = 100;
 constexpr std::size_t kLongestShown = 6;
+constexpr double kWorthTelling_ms = 1;
 
 std::atomic<std::int64_t> gPressed_ns = 0;  // 0: the last key has arrived
 struct Answer {
@@ -36,12 +39,13 @@ std::int64_t gBegin_ns = 0;
 
 std::int64_t Now_ns() { return Clock::now().time_since_epoch().count(); }
 
-// The key has been handled.
-void NoteAnswer() {
+// The key has been handled. False: it was the release of one.
+bool NoteAnswer() {
   const auto pressed = gPressed_ns.exchange(0);
-  if (pressed == 0) return;
+  if (pressed == 0) return false;
   gAnswers.push_back(
       {static_cast<double>(Now_ns() - pressed) / 1e6, static_cast<double>(pressed - gBegin_ns) / 1e9});
+  return true;
 }
 
 void PressKeys(const std::atomic<bool>& stop) {
@@ -71,7 +75,7 @@ double LongestLateness_ms(const std::atomic<bool>& stop) {
   return longest;
 }
 
-// What the program's thread was kept by: each window with each message.
+// What the program's thread was kept by: each window with each message, and what came before each answer.
 class Handlings {
  public:
   void Add(HWND window, UINT message, std::chrono::nanoseconds time) {
@@ -81,6 +85,12 @@ class Handlings {
     ++handling.count;
     handling.total_ms += time_ms;
     handling.longest_ms = std::max(handling.longest_ms, time_ms);
+    NoteStep(handling, message, time_ms);
+    if (message == WM_KEYDOWN && NoteAnswer()) EndWait();
+  }
+  void PrintSlowestAnswer() const {
+    std::printf("slowest    %.1f ms after:\n", mSlowest_ms);
+    for (const auto& step : mSlowest) std::printf("           %s\n", step.c_str());
   }
   void PrintLongest(std::chrono::seconds span) const {
     std::vector<std::pair<UINT, Handling>> sorted;
@@ -104,6 +114,38 @@ class Handlings {
     double total_ms = 0, longest_ms = 0;
   };
 
+  // Short ones that follow each other are one step.
+  void NoteStep(const Handling& handling, UINT message, double time_ms) {
+    const double at_s = static_cast<double>(Now_ns() - gBegin_ns) / 1e9 - time_ms / 1e3;
+    if (time_ms < kWorthTelling_ms) {
+      if (mShort++ == 0) mShortBegin_s = at_s;
+      mShort_ms += time_ms;
+      return;
+    }
+    EndShort();
+    AddStep(at_s, "message %04X of %s: %.1f ms", message, handling.name.c_str(), time_ms);
+  }
+  void EndShort() {
+    if (mShort != 0) AddStep(mShortBegin_s, "%d short ones: %.1f ms", mShort, mShort_ms);
+    mShort = 0;
+    mShort_ms = 0;
+  }
+  template <class... Values>
+  void AddStep(double at_s, const char* format, Values... values) {
+    char text[256] = {};
+    const int length = std::snprintf(text, sizeof text, "at %.3f s: ", at_s);
+    std::snprintf(text + length, sizeof text - static_cast<std::size_t>(length), format, values...);
+    mSteps.push_back(text);
+  }
+  void EndWait() {
+    EndShort();
+    if (gAnswers.back().took_ms > mSlowest_ms) {
+      mSlowest_ms = gAnswers.back().took_ms;
+      mSlowest = mSteps;
+    }
+    mSteps.clear();
+  }
+
   static std::string NameOf(HWND window) {
     std::string name;
     for (int level = 0; window && level < 2; ++level, window = GetParent(window)) {
@@ -115,6 +157,10 @@ class Handlings {
   }
 
   std::map<std::pair<HWND, UINT>, Handling> mHandlings;
+  std::vector<std::string> mSteps, mSlowest;  // since the last answer; before the slowest one
+  double mSlowest_ms = 0;
+  int mShort = 0;
+  double mShort_ms = 0, mShortBegin_s = 0;
 };
 
 double Megabytes() {
@@ -135,20 +181,32 @@ double ThreadSeconds() {
 std::string Configuration(const std::string& bus) {
   const auto file = WriteConfiguration("load.json", R"({"number": 1, "bus": ")" + bus + R"("})",
                                        R"(, "blocks": [{"progId": "HarlowPlugIn.CANopenScanner",
-          "window": {"x": 0, "y": 420, "width": 640, "height": 200, "open": true, "maximized": false}}])");
+          "window": {"x": 0, "y": 420, "width": 640, "height": 200, "open": true, "maximized": false}},
+          {"progId": "HarlowPlugIn.CANopenIG", "settings": {"CANChannel": "1", "LastCOIGSequenceRel": "load.seq"},
+          "window": {"x": 100, "y": 100, "width": 640, "height": 400, "open": true, "maximized": false}}])");
+  std::ofstream(file.parent_path() / "load.seq") << R"(<CANopenIG><Sequence/><CyclicMsgs>
+    <SYNC COBID="0x80" SendCycle="10" SendDelay="0" Enabled="1"/></CyclicMsgs></CANopenIG>)";
   return file.string();
 }
 
-int Measure(const std::string& bus, std::chrono::seconds span, int perSecond) {
+// The window of the generator is put away then: its list goes on.
+bool StartCyclicList(Program& program) {
+  const auto start = [&] { return program.Control(IDC_IG_START); };
+  if (!program.Wait([&] { return start() && IsWindowEnabled(start()); })) return false;
+  SendMessageW(start(), BM_CLICK, 0, 0);
+  SendMessageW(GetParent(GetParent(start())), WM_CLOSE, 0, 0);
+  return true;
+}
+
+int Measure(const std::string& bus, std::chrono::seconds span, int perSecond, bool isSending) {
   Program program(Configuration(bus));
   SetForegroundWindow(program.Main());
   program.Command(NWorkbench::kMeasureStart);
-  if (!program.Wait([&] { return program.TraceRows() > 0; })) return std::printf("no frame has come\n"), 2;
+  const auto received = [&] { return static_cast<int>(program.Host().Loads().at(1).Received()); };
+  if (isSending && !StartCyclicList(program)) return std::printf("the generator cannot be started\n"), 2;
+  if (!program.Wait([&] { return received() > 0; })) return std::printf("no frame has come\n"), 2;
   Handlings handlings;
-  program.SetWatch([&](HWND window, UINT message, auto time) {
-    handlings.Add(window, message, time);
-    if (message == WM_KEYDOWN) NoteAnswer();
-  });
+  program.SetWatch([&](HWND window, UINT message, auto time) { handlings.Add(window, message, time); });
   const double before = Megabytes(), busyBefore = ThreadSeconds();
   gBegin_ns = Now_ns();
   std::atomic<bool> stop = false;
@@ -164,16 +222,20 @@ int Measure(const std::string& bus, std::chrono::seconds span, int perSecond) {
   stop = true;
   keys.join();
   const double late = lateness.get();
+  program.Wait([] { return gPressed_ns == 0; });
+  program.SetWatch({});
   const auto total = static_cast<int>(span.count()) * perSecond;
-  program.Wait([&] { return program.TraceRows() >= std::min(total, 1'000'000); });
+  const auto sent = [&] { return static_cast<int>(program.Host().Loads().at(1).Transmitted()); };
+  program.Wait([&] { return received() >= total; });
+  program.Wait([&] { return program.TraceRows() >= std::min(received() + sent(), 1'000'000); });
   std::sort(gAnswers.begin(), gAnswers.end());
   if (gAnswers.empty()) return std::printf("no key has arrived\n"), 2;
   const auto part = [&](double share) {
     return gAnswers[static_cast<std::size_t>(share * static_cast<double>(gAnswers.size() - 1))].took_ms;
   };
-  const int rows = program.TraceRows();
-  std::printf("frames     %d in %d s, %d in the trace, %d lost\n", total, static_cast<int>(span.count()),
-              rows, std::min(total, 1'000'000) - rows);
+  const int lost = total - received();
+  std::printf("frames     %d in %d s, %d lost, %d sent, %d in the trace\n", total,
+              static_cast<int>(span.count()), lost, sent(), program.TraceRows());
   std::printf("answers    %zu keys: median %.1f ms, 99 %% %.1f ms, longest %.1f ms\n", gAnswers.size(),
               part(0.5), part(0.99), part(1));
   std::printf("           the longest:");
@@ -184,10 +246,11 @@ int Measure(const std::string& bus, std::chrono::seconds span, int perSecond) {
   std::printf("memory     %.0f MB at the start, %.0f MB in the middle, %.0f MB at the end\n", before, middle,
               Megabytes());
   std::printf("thread     busy %.0f %% of the time\n", 100 * busy / static_cast<double>(span.count()));
+  handlings.PrintSlowestAnswer();
   handlings.PrintLongest(span);
   for (const auto& text : program.Messages()) std::printf("message    %ls\n", text.c_str());
   std::fflush(stdout);
-  return rows < std::min(total, 1'000'000) || part(1) > kLongestAnswer_ms ? 1 : 0;
+  return lost != 0 || part(1) > kLongestAnswer_ms ? 1 : 0;
 }
 
 }  // namespace
@@ -196,8 +259,9 @@ int main(int count, char** arguments) {
   const int seconds = count > 2 ? std::atoi(arguments[2]) : 0;
   const int perSecond = count > 3 ? std::atoi(arguments[3]) : 0;
   if (seconds < 1 || perSecond < 1) {
-    std::fputs("usage: load_run BUS SECONDS FRAMES_PER_SECOND\n", stderr);
+    std::fputs("usage: load_run BUS SECONDS FRAMES_PER_SECOND [sending]\n", stderr);
     return 2;
   }
-  return Measure(arguments[1], std::chrono::seconds(seconds), perSecond);
+  const bool isSending = count > 4 && std::string(arguments[4]) == "sending";
+  return Measure(arguments[1], std::chrono::seconds(seconds), perSecond, isSending);
 }

@@ -18,25 +18,6 @@ using NTest::Choose;
 constexpr int kInsertMenu = 1;
 constexpr const wchar_t* kDialog = L"#32770";
 
-struct Search {
-  int id;
-  HWND found = nullptr;
-};
-
-BOOL CALLBACK CompareId(HWND window, LPARAM parameter) {
-  auto& search = *reinterpret_cast<Search*>(parameter);
-  if (GetDlgCtrlID(window) != search.id) return TRUE;
-  search.found = window;
-  return FALSE;
-}
-
-/// A control of a block's window; null while there is no such window.
-HWND Find(const Program& program, int id) {
-  Search search{id};
-  EnumChildWindows(program.Main(), CompareId, reinterpret_cast<LPARAM>(&search));
-  return search.found;
-}
-
 std::filesystem::path Configuration(const std::filesystem::path& folder) {
   const std::string plant =
       std::filesystem::absolute(OSTREL_SOURCE_DIR "/examples/plant").generic_string();  // with its drive
@@ -81,21 +62,22 @@ void Edit(HWND list, std::initializer_list<std::pair<int, const wchar_t*>> texts
 }
 
 void Compose(Program& program, const std::filesystem::path& sequence) {
-  const HWND tree = Find(program, IDC_IG_TEMPLATES);
-  SendMessageW(Find(program, IDC_IG_REFRESH), BM_CLICK, 0, 0);
+  const HWND tree = program.Control(IDC_IG_TEMPLATES);
+  SendMessageW(program.Control(IDC_IG_REFRESH), BM_CLICK, 0, 0);
   DragTemplate(tree, {L"Message templates", L"PDO", L"Node 5, Valves", L"N5_TPDO2 (285)"},
-               Find(program, IDC_IG_CYCLIC));
-  DragTemplate(tree, {L"Message templates", L"SDO", L"Node 5, Valves"}, Find(program, IDC_IG_SEQUENCE));
-  Edit(Find(program, IDC_IG_CYCLIC),
+               program.Control(IDC_IG_CYCLIC));
+  DragTemplate(tree, {L"Message templates", L"SDO", L"Node 5, Valves"}, program.Control(IDC_IG_SEQUENCE));
+  Edit(program.Control(IDC_IG_CYCLIC),
        {{IDC_EDIT_DATA, L"uint:0xBEEF"}, {IDC_EDIT_DLC, L"2"}, {IDC_EDIT_CYCLE, L"20"}});
-  Edit(Find(program, IDC_IG_SEQUENCE), {{IDC_EDIT_SDO_INDEX, L"1018"}, {IDC_EDIT_SDO_SUBINDEX, L"1"}},
+  Edit(program.Control(IDC_IG_SEQUENCE), {{IDC_EDIT_SDO_INDEX, L"1018"}, {IDC_EDIT_SDO_SUBINDEX, L"1"}},
        IDC_EDIT_SDO_UPLOAD);
-  NTest::WithFile(sequence, [&] { SendMessageW(Find(program, IDC_IG_SAVE), BM_CLICK, 0, 0); });
+  NTest::WithFile(sequence, [&] { SendMessageW(program.Control(IDC_IG_SAVE), BM_CLICK, 0, 0); });
 }
 
 void ExpectComposed(const Program& program) {
-  EXPECT_EQ(CellText(Find(program, IDC_IG_SEQUENCE), 0, 1), L"Upload, Node-ID 5, COBID 605, Object 1018sub1");
-  EXPECT_EQ(NTest::RowText(Find(program, IDC_IG_CYCLIC), 0, 4),
+  EXPECT_EQ(CellText(program.Control(IDC_IG_SEQUENCE), 0, 1),
+            L"Upload, Node-ID 5, COBID 605, Object 1018sub1");
+  EXPECT_EQ(NTest::RowText(program.Control(IDC_IG_CYCLIC), 0, 4),
             L"PDO|20 ms|0 ms|Node-ID 5, COBID 285, DLC 2, Data uint:0xBEEF");
 }
 
@@ -109,29 +91,29 @@ TEST(WorkbenchGenerator, ComposedRunSavedAndFoundAgain) {
     ASSERT_TRUE(program.Wait([&] { return program.SetupLines().size() == 5; }));
     OpenBlock(program, L"Measurement setup", nullptr, L"CANopen Scanner");
     OpenBlock(program, L"Simulation setup", L"Network CAN 1", L"CANopen Interactive Generator Block");
-    ASSERT_TRUE(Find(program, IDC_IG_TEMPLATES));
+    ASSERT_TRUE(program.Control(IDC_IG_TEMPLATES));
     Compose(program, folder / "kept.seq");
     ExpectComposed(program);
 
     program.Command(kMeasureStart);
-    const auto isEnabled = [&](int id) { return IsWindowEnabled(Find(program, id)) != FALSE; };
+    const auto isEnabled = [&](int id) { return IsWindowEnabled(program.Control(id)) != FALSE; };
     ASSERT_TRUE(program.Wait([&] { return isEnabled(IDC_IG_START) && isEnabled(IDC_IG_EXECUTE); }));
-    SendMessageW(Find(program, IDC_IG_START), BM_CLICK, 0, 0);
-    SendMessageW(Find(program, IDC_IG_EXECUTE), BM_CLICK, 0, 0);
+    SendMessageW(program.Control(IDC_IG_START), BM_CLICK, 0, 0);
+    SendMessageW(program.Control(IDC_IG_EXECUTE), BM_CLICK, 0, 0);
     EXPECT_TRUE(program.Wait([&] {
-      return CellText(Find(program, IDC_IG_SEQUENCE), 0, 2) == L"SDO done, 4 bytes" &&
-             CellText(Find(program, IDC_IG_CYCLIC), 0, 4) == L"Sent" && isEnabled(IDC_IG_SEQUENCE);
+      return CellText(program.Control(IDC_IG_SEQUENCE), 0, 2) == L"SDO done, 4 bytes" &&
+             CellText(program.Control(IDC_IG_CYCLIC), 0, 4) == L"Sent" && isEnabled(IDC_IG_SEQUENCE);
     }));
     EXPECT_TRUE(program.Wait([&] { return program.TraceRows() > 5; }));
-    EXPECT_TRUE(program.Wait([&] { return ListView_GetItemCount(Find(program, IDC_SCAN_NODES)) > 0; }));
-    EXPECT_EQ(CellText(Find(program, IDC_SCAN_NODES), 0, 0), L"0x5");
+    EXPECT_TRUE(program.Wait([&] { return ListView_GetItemCount(program.Control(IDC_SCAN_NODES)) > 0; }));
+    EXPECT_EQ(CellText(program.Control(IDC_SCAN_NODES), 0, 0), L"0x5");
     program.Command(kMeasureStop);
     EXPECT_TRUE(program.Wait([&] { return !isEnabled(IDC_IG_START) && isEnabled(IDC_IG_CYCLIC); }));
     program.Command(kFileSave);
     EXPECT_THAT(program.Messages(), testing::IsEmpty());
   }
   Program again(file);
-  EXPECT_TRUE(again.Wait([&] { return ListView_GetItemCount(Find(again, IDC_IG_SEQUENCE)) == 1; }));
+  EXPECT_TRUE(again.Wait([&] { return ListView_GetItemCount(again.Control(IDC_IG_SEQUENCE)) == 1; }));
   ExpectComposed(again);
 }
 
@@ -144,7 +126,8 @@ TEST(WorkbenchGenerator, AsksForUnsavedListsBeforeItGoes) {
   program.Command(kFileSave);
   ASSERT_TRUE(program.Wait([&] { return program.SetupLines().size() == 4; }));
   OpenBlock(program, L"Simulation setup", L"Network CAN 1", L"CANopen Interactive Generator Block");
-  DragTemplate(Find(program, IDC_IG_TEMPLATES), {L"Flow control", L"PAUSE"}, Find(program, IDC_IG_SEQUENCE));
+  DragTemplate(program.Control(IDC_IG_TEMPLATES), {L"Flow control", L"PAUSE"},
+               program.Control(IDC_IG_SEQUENCE));
   program.Command(kFileSave);
   Answers cancel(IDCANCEL);
   SendMessageW(program.Main(), WM_CLOSE, 0, 0);

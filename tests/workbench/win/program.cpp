@@ -14,23 +14,31 @@ namespace {
 constexpr std::chrono::seconds kPatience{10};
 
 struct Search {
-  const wchar_t* className;
+  std::function<bool(HWND)> isWanted;
   HWND found = nullptr;
 };
 
 BOOL CALLBACK Compare(HWND window, LPARAM parameter) {
   auto& search = *reinterpret_cast<Search*>(parameter);
-  wchar_t name[64] = {};
-  GetClassNameW(window, name, 64);
-  if (std::wstring(name) != search.className) return TRUE;
+  if (!search.isWanted(window)) return TRUE;
   search.found = window;
   return FALSE;
 }
 
-HWND FindInside(HWND parent, const wchar_t* className) {
-  Search search{className};
+HWND FindInside(HWND parent, std::function<bool(HWND)> isWanted) {
+  Search search{std::move(isWanted)};
   EnumChildWindows(parent, Compare, reinterpret_cast<LPARAM>(&search));
   return search.found;
+}
+
+bool IsOfClass(HWND window, const std::wstring& className) {
+  wchar_t name[64] = {};
+  GetClassNameW(window, name, 64);
+  return name == className;
+}
+
+HWND FindInside(HWND parent, const wchar_t* className) {
+  return FindInside(parent, [=](HWND window) { return IsOfClass(window, className); });
 }
 
 BOOL CALLBACK CompareBox(HWND window, LPARAM parameter) {
@@ -101,6 +109,10 @@ bool Program::CommandOfMenu(int menu, const std::wstring& caption) {
 
 HWND Program::Child(const wchar_t* className) const { return FindInside(mMain, className); }
 
+HWND Program::Control(int id) const {
+  return FindInside(mMain, [=](HWND window) { return GetDlgCtrlID(window) == id; });
+}
+
 int Program::TraceRows() const {
   return ListView_GetItemCount(FindInside(Child(L"OstrelTrace"), WC_LISTVIEWW));
 }
@@ -145,7 +157,7 @@ void Answers::Run() {
   HWND last = nullptr;
   while (!mStop) {
     Sleep(20);
-    Search search{L"#32770"};
+    Search search{[](HWND window) { return IsOfClass(window, L"#32770"); }};
     EnumWindows(CompareBox, reinterpret_cast<LPARAM>(&search));
     if (!search.found || search.found == last || !mWhen()) continue;
     wchar_t text[1024] = {};

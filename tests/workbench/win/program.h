@@ -44,6 +44,8 @@ class Program {
   std::wstring Status(int part) const;
   /// A window of this class anywhere inside. Null: there is none.
   HWND Child(const wchar_t* className) const;
+  /// A control of a block's window. Null: there is no such window.
+  HWND Control(int id) const;
 
  private:
   void Handle(MSG& message);
