@@ -397,18 +397,20 @@ TEST_F(GeneratorWindowTest, TenThousandRows) {
     Press('V', kWithCtrl);
   }
   ASSERT_GE(ListView_GetItemCount(Sequence()), 10'000);
-  // The best of some, as others use the machine too.
+  // The best of some, of the processor's time, as others use the machine too.
   const auto time = [&](const char* what, int times, double limit_ms, const std::function<void()>& action) {
-    double best = 1e9;
+    double best = 1e9, bestOfThread = 1e9;
     for (int turn = 0; turn < times; ++turn) {
       const auto start = std::chrono::steady_clock::now();
+      const double startOfThread = NTest::ThreadTime_ms();
       action();
       UpdateWindow(Sequence());
       const std::chrono::duration<double, std::milli> taken = std::chrono::steady_clock::now() - start;
       best = std::min(best, taken.count());
+      bestOfThread = std::min(bestOfThread, NTest::ThreadTime_ms() - startOfThread);
     }
-    std::printf("[ MEASURED ] %s: %.1f ms\n", what, best);
-    EXPECT_LT(best, limit_ms) << what;
+    std::printf("[ MEASURED ] %s: %.1f ms, %.0f ms of them the thread's\n", what, best, bestOfThread);
+    EXPECT_LT(bestOfThread, limit_ms) << what;
   };
   constexpr double kOfOne_ms = 100, kOfAll_ms = 1000;
   SelectRows(Sequence(), {0});

@@ -64,6 +64,15 @@ void CALLBACK Drive(HWND, UINT, UINT_PTR, DWORD) {
 
 }  // namespace
 
+double ThreadTime_ms() {
+  FILETIME unused, kernel, user;
+  GetThreadTimes(GetCurrentThread(), &unused, &unused, &kernel, &user);
+  const auto ticks = [](FILETIME time) {
+    return static_cast<double>(time.dwHighDateTime) * 4294967296.0 + static_cast<double>(time.dwLowDateTime);
+  };
+  return (ticks(kernel) + ticks(user)) / 1e4;
+}
+
 HWND FindShown(const wchar_t* className) {
   Search search = {className};
   EnumThreadWindows(GetCurrentThreadId(), Visit, reinterpret_cast<LPARAM>(&search));

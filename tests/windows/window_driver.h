@@ -17,6 +17,10 @@ namespace NTest {
 void PumpFor(int duration_ms);
 bool PumpUntil(const std::function<bool()>& condition, int timeout_ms = 5000);
 
+/// What this thread has had of the processor until now, to some 10 ms. Other programs do not count, nor does
+/// a host that takes the processor away.
+double ThreadTime_ms();
+
 /// Window of this thread, of a class ("#32770" is that of dialogs, "#32768" that of menus), that is shown;
 /// null: there is none.
 HWND FindShown(const wchar_t* className);

@@ -14,6 +14,7 @@
 
 #include "host/workbench/win/command_ids.h"
 #include "resources/resource_ids.h"
+#include "tests/windows/window_driver.h"
 #include "tests/workbench/win/program.h"
 
 namespace {
@@ -169,15 +170,6 @@ double Megabytes() {
   return static_cast<double>(counters.WorkingSetSize) / (1024 * 1024);
 }
 
-double ThreadSeconds() {
-  FILETIME unused, kernel, user;
-  GetThreadTimes(GetCurrentThread(), &unused, &unused, &kernel, &user);
-  const auto ticks = [](FILETIME time) {
-    return static_cast<double>(time.dwHighDateTime) * 4294967296.0 + static_cast<double>(time.dwLowDateTime);
-  };
-  return (ticks(kernel) + ticks(user)) / 1e7;
-}
-
 std::string Configuration(const std::string& bus) {
   const auto file = WriteConfiguration("load.json", R"({"number": 1, "bus": ")" + bus + R"("})",
                                        R"(, "blocks": [{"progId": "HarlowPlugIn.CANopenScanner",
@@ -207,7 +199,7 @@ int Measure(const std::string& bus, std::chrono::seconds span, int perSecond, bo
   if (!program.Wait([&] { return received() > 0; })) return std::printf("no frame has come\n"), 2;
   Handlings handlings;
   program.SetWatch([&](HWND window, UINT message, auto time) { handlings.Add(window, message, time); });
-  const double before = Megabytes(), busyBefore = ThreadSeconds();
+  const double before = Megabytes(), busyBefore_ms = NTest::ThreadTime_ms();
   gBegin_ns = Now_ns();
   std::atomic<bool> stop = false;
   std::thread keys([&] { PressKeys(stop); });
@@ -218,7 +210,7 @@ int Measure(const std::string& bus, std::chrono::seconds span, int perSecond, bo
     program.Wait([until = Clock::now() + 1s] { return Clock::now() >= until; });
     if (middle == 0 && Clock::now() > begin + span / 2) middle = Megabytes();
   }
-  const double busy = ThreadSeconds() - busyBefore;
+  const double busy_ms = NTest::ThreadTime_ms() - busyBefore_ms;
   stop = true;
   keys.join();
   const double late = lateness.get();
@@ -245,7 +237,7 @@ int Measure(const std::string& bus, std::chrono::seconds span, int perSecond, bo
   std::printf("machine    a thread that only sleeps was late by up to %.1f ms\n", late);
   std::printf("memory     %.0f MB at the start, %.0f MB in the middle, %.0f MB at the end\n", before, middle,
               Megabytes());
-  std::printf("thread     busy %.0f %% of the time\n", 100 * busy / static_cast<double>(span.count()));
+  std::printf("thread     busy %.0f %% of the time\n", busy_ms / (10.0 * static_cast<double>(span.count())));
   handlings.PrintSlowestAnswer();
   handlings.PrintLongest(span);
   for (const auto& text : program.Messages()) std::printf("message    %ls\n", text.c_str());
